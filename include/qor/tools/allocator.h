@@ -1,0 +1,15 @@
+// The module's array allocator: the one pair of functions that text blocks
+// (string) and byte blocks (buffer, align16) come from. A block handed to
+// buffer::Attach must have been made by ArrayAlloc.
+#pragma once
+
+#include <cstddef>
+
+namespace qor::tools {
+
+// Returns a block of `bytes` bytes, or null when `bytes` is 0 or memory is out.
+void *ArrayAlloc(std::size_t bytes);
+// Frees a block of ArrayAlloc; null is ignored.
+void ArrayFree(void *block);
+
+}  // namespace qor::tools

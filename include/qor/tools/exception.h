@@ -1,0 +1,32 @@
+// qor::tools::exception: the one failure type the library throws, by value.
+//
+// A plain carrier of a numeric code and a text. Library code throws it with
+// code 0 and a short English text naming the module and the operation
+// ("file MoveFileEx", "OLD DB Insert"); the fields are public and read directly.
+//
+//   try { ... } catch (qor::tools::exception const &e) { use(e.mCode, e.mMessage); }
+#pragma once
+
+#include "qor/tools/string.h"
+
+namespace qor::tools {
+
+class exception {
+public:
+    explicit exception(int code) : mCode(code) {}
+    // The text is made by string::FormatV, so '%' in it is active.
+    explicit exception(char16_t const *format, ...);
+    // The text is taken as it stands.
+    exception(int code, char16_t const *message) : mCode(code), mMessage(message) {}
+    exception(exception const &other) = default;
+    exception &operator=(exception const &other) = default;
+    virtual ~exception() = default;
+
+    // A place to hook diagnostics; does nothing.
+    void Trace() {}
+
+    int mCode = 0;
+    string mMessage;
+};
+
+}  // namespace qor::tools
