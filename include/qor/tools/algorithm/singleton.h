@@ -1,0 +1,32 @@
+// singleton<T>: a registering base class. Making a T registers it, Instance()
+// only looks it up (null before a T exists), and Terminate() deletes it.
+//
+//   class factory : public algorithm::singleton<factory> { ... };
+//   new factory;                     // the application makes it once
+//   factory::Instance()->...;
+//   factory::Instance()->Terminate();
+#pragma once
+
+namespace qor::tools::algorithm {
+
+template <typename T>
+class singleton {
+public:
+    singleton() noexcept { mObject = this; }
+    singleton(singleton const &) noexcept {}
+    singleton &operator=(singleton const &) noexcept { return *this; }
+    virtual ~singleton() = default;
+
+    static T *Instance() noexcept { return static_cast<T *>(mObject); }
+    virtual void Terminate() {
+        singleton *object = mObject;
+        mObject = nullptr;
+        delete object;
+    }
+
+    // The registered instance (kept as its base: it is registered while the T
+    // around it is still being made).
+    static inline singleton *mObject = nullptr;
+};
+
+}  // namespace qor::tools::algorithm

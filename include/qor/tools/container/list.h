@@ -1,0 +1,96 @@
+// list<T, P> and queue<T, P>: handles on a shared doubly linked list of
+// pointers that the list owns. Clearing (and the last handle) gives every
+// element back by P; Pop() hands the first element over without giving it back.
+//
+//   queue<message> q;
+//   q.Push(new message(1, nullptr));
+//   message *m = q.Pop();   // the caller owns m now
+#pragma once
+
+#include "qor/tools/container/base.h"
+
+namespace qor::tools::container {
+
+namespace base {
+
+template <typename T, typename P>
+class list : public _counter<P> {
+public:
+    struct node {
+        T *mObject;
+        node *mPrev;
+        node *mNext;
+    };
+
+    list() noexcept = default;
+    list(list const &) = delete;
+    list &operator=(list const &) = delete;
+    ~list() override { Clear(); }
+
+    // Links a new node behind `after` (null: at the very front).
+    node *Insert(node *after, T *object) {
+        node *next = after ? after->mNext : mHead;
+        node *n = new node{object, after, next};
+        if (after) after->mNext = n; else mHead = n;
+        if (next) next->mPrev = n; else mTail = n;
+        ++mCount;
+        return n;
+    }
+    // Unlinks the first node and hands its element over; null when empty.
+    T *TakeFirst() noexcept {
+        node *n = mHead;
+        if (!n) return nullptr;
+        mHead = n->mNext;
+        if (mHead) mHead->mPrev = nullptr; else mTail = nullptr;
+        --mCount;
+        T *object = n->mObject;
+        delete n;
+        return object;
+    }
+    void Clear() {
+        while (mHead) P::GiveBack(TakeFirst());
+        mHead = mTail = nullptr;
+        mCount = 0;
+    }
+
+    node *mHead = nullptr;
+    node *mTail = nullptr;
+    int mCount = 0;
+};
+
+}  // namespace base
+
+template <typename T, typename P = pif::object>
+class list : public base::_base<base::list<T, P>> {
+    using body = base::list<T, P>;
+
+public:
+    using node = typename body::node;
+
+    list() = default;
+    list(list const &other) noexcept : base::_base<body>(other) {}
+    list &operator=(list const &other) noexcept {
+        base::_base<body>::operator=(other);
+        return *this;
+    }
+
+    node *Insert(node *after, T *object) { return this->mBody->Insert(after, object); }
+    node *Append(T *object) { return this->mBody->Insert(this->mBody->mTail, object); }
+    T *TakeFirst() noexcept { return this->mBody->TakeFirst(); }
+    T *First() const noexcept { return this->mBody->mHead ? this->mBody->mHead->mObject : nullptr; }
+    node *Head() const noexcept { return this->mBody->mHead; }
+    node *Tail() const noexcept { return this->mBody->mTail; }
+    void Clear() { this->mBody->Clear(); }
+    int Count() const noexcept { return this->mBody->mCount; }
+    bool IsEmpty() const noexcept { return this->mBody->mCount == 0; }
+};
+
+template <typename T, typename P = pif::object>
+class queue : public list<T, P> {
+public:
+    void Push(T *object) { this->Append(object); }
+    T *Pop() noexcept { return this->TakeFirst(); }
+    T *Peek() const noexcept { return this->First(); }
+};
+
+}  // namespace qor::tools::container

@@ -1,0 +1,44 @@
+// ptr<T, P>: a single owner of one object, not shared and not counted. Its
+// destructor gives the object back by the policy P.
+//
+//   container::ptr<routine, pif::object> mFunction(new routine);
+#pragma once
+
+#include "qor/tools/container/policy.h"
+
+namespace qor::tools::container {
+
+template <typename T, typename P = pif::object>
+class ptr : public P {
+public:
+    ptr() noexcept : mObject(nullptr) {}
+    explicit ptr(T *object) noexcept : mObject(object) {}
+    ptr(ptr const &) = delete;
+    ptr &operator=(ptr const &) = delete;
+    virtual ~ptr() {
+        if (mObject) P::GiveBack(mObject);
+    }
+
+    // Gives back the held object (if it is another one) and holds `object`.
+    ptr &operator=(T *object) {
+        if (object != mObject) {
+            if (mObject) P::GiveBack(mObject);
+            mObject = object;
+        }
+        return *this;
+    }
+    T *Detach() noexcept {
+        T *object = mObject;
+        mObject = nullptr;
+        return object;
+    }
+    T *Get() const noexcept { return mObject; }
+    operator T *() const noexcept { return mObject; }
+    T *operator->() const noexcept { return mObject; }
+    bool IsEmpty() const noexcept { return !mObject; }
+
+private:
+    T *mObject;
+};
+
+}  // namespace qor::tools::container

@@ -1,0 +1,15 @@
+// two<A, B>: a plain pair; empty: the absence of a target object
+// (as in thread::worker::functionT<empty>).
+#pragma once
+
+namespace qor::tools::container {
+
+template <typename A, typename B>
+struct two {
+    A mFirst;
+    B mSecond;
+};
+
+struct empty {};
+
+}  // namespace qor::tools::container
