@@ -10,6 +10,7 @@ case "$mode" in
   asan)  dir=build-asan; args+=(-DQORTOOLS_SANITIZE=address,undefined -DQORTOOLS_BUILD_BENCH=OFF) ;;
   tsan)  dir=build-tsan; args+=(-DQORTOOLS_SANITIZE=thread -DQORTOOLS_BUILD_BENCH=OFF -DQORTOOLS_BUILD_EXAMPLES=OFF) ;;
   fuzz)  dir=build-fuzz; args+=(-DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ -DQORTOOLS_BUILD_FUZZ=ON
+                                -DQORTOOLS_SANITIZE=address,undefined -DCMAKE_CXX_FLAGS=-fsanitize=fuzzer-no-link
                                 -DQORTOOLS_BUILD_TESTS=OFF -DQORTOOLS_BUILD_BENCH=OFF -DQORTOOLS_BUILD_EXAMPLES=OFF) ;;
   *) echo "usage: $0 [plain|asan|tsan|fuzz]" >&2; exit 2 ;;
 esac

@@ -1,25 +1,29 @@
 // string::Tokenize: splits a text at any of a set of delimiters, with quotes.
-#include "qor/tools/container/array.h"
-#include "qor/tools/string.h"
+#include "tokenize.h"
 
 namespace qor::tools {
 
+namespace detail {
+
 namespace {
 
-bool IsIn(char16_t c, string const &set) { return string::Find(set, c, 0) >= 0; }
+bool IsIn(char16_t c, char16_t const *set) {
+    for (; *set; ++set) {
+        if (*set == c) return true;
+    }
+    return c == u'"';
+}
 
 }  // namespace
 
-string::tokens string::Tokenize(char16_t const *text, char16_t const *delimiters) {
-    tokens result;
-    string set(delimiters);
-    set += u'"';
-    int length = Length(text);
+string::tokens Tokenize(char16_t const *text, int length, char16_t const *delimiters) {
+    string::tokens result;
+    delimiters = string::Safe(delimiters);
     bool quoted = false;
     int start = 0;
     for (int i = 0; i < length; ++i) {
         char16_t c = text[i];
-        if (!IsIn(c, set)) continue;
+        if (!IsIn(c, delimiters)) continue;
         if (c == u'"') {
             quoted = !quoted;
             continue;
@@ -33,10 +37,18 @@ string::tokens string::Tokenize(char16_t const *text, char16_t const *delimiters
         }
         start = i + 1;
     }
-    if (start < length) result.Add(string(text + start));
+    if (start < length) result.Add(string(text + start, length - start));
     return result;
 }
 
-string::tokens string::Tokenize(char16_t const *delimiters) const { return Tokenize(mText, delimiters); }
+}  // namespace detail
+
+string::tokens string::Tokenize(char16_t const *text, char16_t const *delimiters) {
+    return detail::Tokenize(text, Length(text), delimiters);
+}
+
+string::tokens string::Tokenize(char16_t const *delimiters) const {
+    return detail::Tokenize(mText, Length(), delimiters);
+}
 
 }  // namespace qor::tools
