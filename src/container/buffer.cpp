@@ -95,7 +95,13 @@ void buffer::Remove(int pos, int size) {
     _Take(block, total);
 }
 
-void buffer::Attach(unsigned char *data, int size) { _Take(data, size); }
+void buffer::Attach(unsigned char *data, int size) {
+    if (data && data == mElement) {
+        mSize = size;  // freeing the block it is handed again would leave it dangling
+        return;
+    }
+    _Take(data, size);
+}
 
 void buffer::Release() { _Take(nullptr, 0); }
 

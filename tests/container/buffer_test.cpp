@@ -84,8 +84,10 @@ TEST(BufferAttach, TakesOwnershipAndTheMarkChangesNothing) {
     std::memcpy(block, "abcd", 4);
     a.Attach(block, 4);
     EXPECT_EQ(a.Data(), block);
-    a.Attach(block, 4);  // the same pointer again: it is freed, not compared
+    a.Attach(block, 2);  // the block it holds: kept, only the size changes
     EXPECT_EQ(a.Data(), block);
+    EXPECT_EQ(a.Size(), 2);
+    EXPECT_EQ(a[1], 'b');
     a.Release();  // marked or not, the bytes are freed (checked by the sanitizers)
     EXPECT_TRUE(a.IsEmpty());
 }
