@@ -1,0 +1,33 @@
+// thread::event: a manual- or auto-reset event (manual and not signalled by
+// default). A failed creation leaves a null handle and is not reported.
+//
+//   thread::event ready;
+//   ready = true;                 // SetEvent
+//   if (ready.IsEnable(0)) ...    // signalled?
+#pragma once
+
+#include "qor/tools/thread/handle.h"
+
+namespace qor::tools::thread {
+
+class event : public handle {
+public:
+    explicit event(bool initial = false, bool manual = true, char16_t const *name = nullptr,
+                   _SECURITY_ATTRIBUTES *security = nullptr)
+        : handle(CreateEventW(security, manual, initial, name)) {}
+    event(event const &) noexcept = default;
+    event &operator=(event const &) noexcept = default;
+
+    void Set() const { SetEvent(mHandle); }
+    void Reset() const { ResetEvent(mHandle); }
+    void Pulse() const { PulseEvent(mHandle); }
+    bool IsEnable(unsigned long milliseconds = 0) const {
+        return WaitForSingleObject(mHandle, milliseconds >= INFINITE ? INFINITE : DWORD(milliseconds)) == 0;
+    }
+    event &operator=(bool value) {
+        value ? Set() : Reset();
+        return *this;
+    }
+};
+
+}  // namespace qor::tools::thread

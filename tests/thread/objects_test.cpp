@@ -1,0 +1,129 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+#include "platform/kernel_internal.h"
+#include "qor/tools/thread/event.h"
+#include "qor/tools/thread/message.h"
+#include "qor/tools/thread/mutex.h"
+#include "qor/tools/thread/queue.h"
+#include "qor/tools/thread/timer.h"
+
+using namespace qor::tools;
+using namespace qor::tools::thread;
+
+namespace {
+struct counted : message {
+    explicit counted(int *alive, unsigned long id = 0) : message(id), mAlive(alive) { ++*mAlive; }
+    ~counted() override { --*mAlive; }
+    int *mAlive;
+};
+}  // namespace
+
+TEST(ThreadHandle, RawCopiesAndHarmlessClose) {
+    handle h;
+    h.Close();
+    h.Close();
+    event e;
+    void *raw = e;
+    handle other(CreateEventW(nullptr, true, false, nullptr));
+    void *otherRaw = other;
+    other = raw;  // the old value is not closed...
+    EXPECT_TRUE(other == raw);
+    EXPECT_EQ(WaitForSingleObject(otherRaw, 0), WAIT_TIMEOUT);  // ...so it still works
+    CloseHandle(otherRaw);
+    other = static_cast<void *>(nullptr);
+}
+
+TEST(ThreadEvent, ManualByDefault) {
+    event e;
+    EXPECT_FALSE(e.IsEnable(0));
+    e = true;
+    EXPECT_TRUE(e.IsEnable(0));
+    EXPECT_TRUE(e.IsEnable(0));
+    e = false;
+    EXPECT_FALSE(e.IsEnable(0));
+    event automatic(true, false);
+    EXPECT_TRUE(automatic.IsEnable(0));
+    EXPECT_FALSE(automatic.IsEnable(0));
+}
+
+TEST(ThreadMutex, SecondCreateOfANameAlreadyExists) {
+    mutex a;
+    EXPECT_EQ(a.Create(u"qor-thread-mutex", true), ERROR_SUCCESS);
+    mutex b(u"qor-thread-mutex", false);
+    mutex c;
+    EXPECT_EQ(c.Create(u"qor-thread-mutex"), ERROR_ALREADY_EXISTS);
+    std::thread other([&] { EXPECT_EQ(WaitForSingleObject(c, 20), WAIT_TIMEOUT); });
+    other.join();
+    ReleaseMutex(a);
+    std::thread again([&] {
+        EXPECT_EQ(WaitForSingleObject(c, INFINITE), WAIT_OBJECT_0);
+        ReleaseMutex(c);
+    });
+    again.join();
+}
+
+TEST(ThreadQueue, OwnershipAndTheEvent) {
+    int alive = 0;
+    {
+        queue<message> q;
+        auto empty = q.Message(true);
+        EXPECT_TRUE(empty.IsEmpty());
+        EXPECT_FALSE(q.mEvent.IsEnable(0));
+        q.Push(new counted(&alive, 1));
+        q.Push(new counted(&alive, 2));
+        EXPECT_TRUE(q.mEvent.IsEnable(0));
+        {
+            auto peek1 = q.Message(false);
+            auto peek2 = q.Message(false);
+            EXPECT_EQ(peek1.Get(), peek2.Get());
+            EXPECT_EQ(peek1->mId, 1u);
+        }
+        EXPECT_EQ(alive, 2);  // a peek does not own
+        {
+            auto taken = q.Message(true);
+            EXPECT_EQ(taken->mId, 1u);
+            EXPECT_TRUE(q.mEvent.IsEnable(0));
+        }
+        EXPECT_EQ(alive, 1);  // a take owns
+        auto last = q.Message(true);
+        EXPECT_EQ(last->mId, 2u);
+        EXPECT_FALSE(q.mEvent.IsEnable(0));
+        q.Push(new counted(&alive, 3));
+    }
+    EXPECT_EQ(alive, 0);  // the queue deletes what it still holds
+}
+
+TEST(ThreadTimer, OneShotPeriodicPulseAndKill) {
+    timer t;
+    EXPECT_FALSE(t.IsSet());
+    EXPECT_FALSE(t.IsEnable(0));
+    t.Kill();
+    t.Set(20, false, false, 1);
+    EXPECT_TRUE(t.IsSet());
+    EXPECT_TRUE(t.IsEnable(2000));
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    EXPECT_TRUE(t.IsEnable(0));  // a one shot stays signalled
+    EXPECT_TRUE(t.IsSet());
+    t.Kill();
+    EXPECT_FALSE(t.IsEnable(0));
+    EXPECT_FALSE(t.IsSet());
+
+    timer periodic;
+    periodic.Set(5, true, false, 1);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(periodic.IsEnable(2000));
+        periodic.Reset();
+    }
+    periodic.Kill();
+
+    timer pulse;
+    timer::BeginPeriod(1);
+    pulse.Set(5, true, true, 1);
+    EXPECT_TRUE(pulse.IsEnable(2000));  // a waiter catches a pulse...
+    EXPECT_FALSE(pulse.IsEnable(0));    // ...which leaves nothing signalled
+    pulse.Kill();
+    timer::EndPeriod(1);
+}
