@@ -1,0 +1,138 @@
+#include "qor/tools/database/record.h"
+
+#include <cstring>
+
+namespace qor::tools::database {
+
+record::~record() {
+    _ReleaseField();
+    mFields.Release();
+    _ForgetView();
+}
+
+// A view's bytes belong to its rset: the buffer lets go of them unfreed.
+void record::_ForgetView() {
+    if (!mBuffer.Reference()) return;
+    mBuffer.Body()->mElement = nullptr;
+    mBuffer.Body()->mSize = 0;
+    mBuffer.Reference(false);
+}
+
+void record::_ReleaseField() {
+    if (mColumn.IsEmpty() || mColumn->Unknown() == 0) return;
+    for (int i = 0; i < mFields.Size(); ++i) {
+        field &f = mFields[i];
+        if (!(f._Kind() & column::info::kUnknown) || !f.mValue) continue;
+        f.Release();
+    }
+}
+
+void record::_FieldSetup(bool addRef) {
+    unsigned char *row = mBuffer.Data();
+    mFields.Size(Columns());
+    for (int i = 0; i < Columns(); ++i) mFields[i].Setup(row, mColumn->Info(i), addRef);
+}
+
+void record::_Create(column *columns, bool shared) {
+    _ReleaseField();
+    if (!shared) mFields.Size(0);
+    _ForgetView();
+    if (columns != mColumn.Get()) {
+        mColumn.Attach(columns, shared);
+    } else {
+        mColumn.Reference(shared);
+    }
+    mBuffer.Size(RecordSize(), false);
+    mBuffer.Clear();
+    _FieldSetup(false);
+}
+
+void record::_Copy(record const &source) {
+    _ReleaseField();
+    mColumn = source.mColumn;
+    _ForgetView();
+    mBuffer.Size(source.mBuffer.Size(), false);
+    if (source.mBuffer.Data() && mBuffer.Data()) {
+        std::memcpy(mBuffer.Data(), source.mBuffer.Data(), std::size_t(mBuffer.Size()));
+    }
+    mFields.Size(0);
+    if (mColumn.IsEmpty() || !mBuffer.Data()) return;
+    _FieldSetup(true);
+}
+
+void record::ReferenceRecord(record &source, unsigned char *row) {
+    _ReleaseField();
+    mColumn = source.mColumn;
+    _ForgetView();
+    mBuffer.Release();
+    mBuffer.Body()->mElement = row;
+    mBuffer.Body()->mSize = RecordSize();
+    mBuffer.Reference(true);
+    mFields.Size(0);
+    _FieldSetup(false);
+}
+
+void record::Clear() {
+    _ReleaseField();
+    mBuffer.Clear();
+}
+
+void record::LoadBlob() {
+    if (mColumn.IsEmpty() || mColumn->Blob() == 0) return;
+    for (int i = 0; i < mFields.Size(); ++i) {
+        if (mFields[i].IsBlob()) mFields[i].LoadBlob();
+    }
+}
+
+void record::FieldCopy(record &source) {
+    for (int i = 0; i < mFields.Size(); ++i) {
+        column::info const *info = mFields[i].Info();
+        if (!info || !source.IsField(info->mName.Safe())) continue;
+        mFields[i] = source.Field(info->mName.Safe());
+    }
+}
+
+void record::StatusOK() {
+    for (int i = 0; i < mFields.Size(); ++i) mFields[i].Status() = DBSTATUS_S_OK;
+}
+
+bool record::operator==(record const &other) const noexcept {
+    unsigned char const *a = mBuffer.Data(), *b = other.mBuffer.Data();
+    if (a == b) return true;
+    if (!a || !b || mBuffer.Size() != other.mBuffer.Size()) return false;
+    return std::memcmp(a, b, std::size_t(mBuffer.Size())) == 0;
+}
+
+// ---------------------------------------------------------------- rset
+
+rset::rset(int size) : container::array<record, container::pif::array::object>(size, 10) {}
+
+rset::rset(rset const &other) : container::array<record, container::pif::array::object>(0, 10) { _Copy(other); }
+
+rset &rset::operator=(rset const &other) {
+    if (&other != this) _Copy(other);
+    return *this;
+}
+
+unsigned char *rset::Setup(record &source, int rows) {
+    Clear();
+    int size = source.RecordSize();
+    mRows.Size(rows * size, true);
+    Size(rows);
+    unsigned char *start = mRows.Data();
+    for (int i = 0; i < rows; ++i) Get(i).ReferenceRecord(source, start + std::size_t(i) * std::size_t(size));
+    return start;
+}
+
+void rset::Clear() {
+    Release();
+    mRows.Clear();
+}
+
+void rset::_Copy(rset const &source) {
+    Clear();
+    Size(source.Size());
+    for (int i = 0; i < source.Size(); ++i) Get(i) = source.Get(i);
+}
+
+}  // namespace qor::tools::database
