@@ -19,4 +19,8 @@ esac
 source scripts/test-env.sh
 start_test_services
 trap stop_test_services EXIT
-ctest "${ctest_args[@]}"
+if [ -z "${DISPLAY:-}" ] && command -v xvfb-run >/dev/null; then
+  xvfb-run -a -s "-screen 0 1280x1024x24" ctest "${ctest_args[@]}"
+else
+  ctest "${ctest_args[@]}"
+fi

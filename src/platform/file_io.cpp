@@ -15,7 +15,16 @@ std::string PathBytes(char16_t const *path) {
     if (!path) return bytes;
     std::size_t n = 0;
     while (path[n]) ++n;
+    // Drive C is the root of the file system; backslashes separate as slashes do.
+    if (n >= 2 && (path[0] == u'C' || path[0] == u'c') && path[1] == u':') {
+        path += 2;
+        n -= 2;
+        if (n == 0) return "/";
+    }
     detail::Utf16ToUtf8(path, n, bytes);
+    for (char &c : bytes) {
+        if (c == '\\') c = '/';
+    }
     return bytes;
 }
 

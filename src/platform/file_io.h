@@ -1,6 +1,7 @@
 // Whole-file reads and plain writes for the file formats of the library.
 // Paths are UTF-16 and reach the file system as UTF-8, the file-name encoding
-// of Linux desktops.
+// of Linux desktops; a backslash separates folders as a slash does, and the
+// drive prefix "C:" stands for the root of the file system.
 #pragma once
 
 #include <cstdint>

@@ -219,6 +219,9 @@ private:
 };
 
 inline bool operator==(char16_t const *a, string const &b) { return b.Compare(a) == 0; }
+inline string operator+(string const &a, string const &b) { return string(a.Safe(), b.Safe()); }
+inline string operator+(string const &a, char16_t const *b) { return string(a.Safe(), string::Safe(b)); }
+inline string operator+(char16_t const *a, string const &b) { return string(string::Safe(a), b.Safe()); }
 inline bool operator!=(char16_t const *a, string const &b) { return b.Compare(a) != 0; }
 
 }  // namespace qor::tools

@@ -1,0 +1,94 @@
+// file::xml: a cursor-style front end to an XML document. Select a node by an
+// XPath 1.0 expression from the document root (or walk from node to node),
+// then read or write that node's text and attributes. Values pass through a
+// two-rule escape: CR LF <-> "[   ]" and TAB <-> "[___]". The document is
+// written (indented UTF-8 with a declaration) only when it was modified.
+//
+//   file::xml doc(u"settings.xml");
+//   int width = doc.Int(u"/settings/window/width");
+//   doc.Int(u"/settings/window/width", 1024);
+//   doc.Save(nullptr);
+//
+// The guarded operations answer false on any failure. The unguarded ones
+// (CreateElementCurrent, CreateElement, RemoveCurrentElement, RemoveElement)
+// throw qor::tools::exception with mCode E_POINTER and the text "xml E_POINTER"
+// when there is no document or no cursor. Copies share the document.
+#pragma once
+
+#include <memory>
+
+#include "qor/tools/string.h"
+
+namespace qor::tools::file {
+
+class xml {
+public:
+    xml();
+    explicit xml(char16_t const *path);
+    xml(xml const &) = default;
+    xml &operator=(xml const &) = default;
+    virtual ~xml();
+
+    bool Initialize();
+    virtual bool Load(char16_t const *path);
+    virtual bool Save(char16_t const *path);
+    void Update() noexcept { mModified = true; }
+    bool IsModified() const noexcept { return mModified; }
+    string const &Path() const noexcept { return mPath; }
+    static xml *CreateCryptoXml(char16_t const *path);
+
+    bool SelectNode(char16_t const *query);
+    bool MoveParentNode();
+    bool MoveFirstChild();
+    bool MoveLastChild();
+    bool MovePreviousSibling();
+    bool MoveNextSibling();
+    void BackupCurrentNode() noexcept { mBackupNode = mCurrentNode; }
+    void RestoreCurrentNode() noexcept { mCurrentNode = mBackupNode; }
+
+    bool GetCurrentNodeElementName(string &name);
+    bool GetCurrentNodeText(string &text);
+    bool GetCurrentNodeAttrValue(char16_t const *name, string &value);
+    bool GetCurrentNodeAttrValue(char16_t const *name, int &value);
+    bool GetCurrentNodeAttrValue(char16_t const *name, bool &value);
+    bool GetCurrentNodeAttrValue(char16_t const *name, double &value);
+    bool GetCurrentNodeAttrValue(char16_t const *name, float &value);
+    bool SetCurrentNodeText(char16_t const *text);
+    bool SetCurrentNodeAttrValue(char16_t const *name, char16_t const *value);
+    bool SetCurrentNodeAttrValue(char16_t const *name, int value);
+    bool SetCurrentNodeAttrValue(char16_t const *name, double value, int digits);
+
+    string String(char16_t const *query);
+    int Int(char16_t const *query);
+    double Double(char16_t const *query);
+    void String(char16_t const *query, char16_t const *value);
+    void Int(char16_t const *query, int value);
+    void Double(char16_t const *query, double value, int digits);
+
+    bool CreateElementCurrent(char16_t const *name, char16_t const *text, bool move);
+    bool CreateElement(char16_t const *query, char16_t const *name, char16_t const *text, bool move);
+    bool RemoveCurrentElement();
+    bool RemoveElement(char16_t const *query);
+    bool CheckVersion(char16_t const *query, char16_t const *version);
+
+    // The document's whole text (UTF-8 declaration included), for CryptoXml.
+    string _Text() const;
+    // Replaces the document with one parsed from text; false if it does not parse.
+    bool _LoadText(char16_t const *text);
+
+protected:
+    void _Escape(string &text);
+    void _Unescape(string &text);
+
+    struct document;
+    string mPath;
+    std::shared_ptr<document> mDocument;
+    void *mCurrentNode = nullptr;
+    void *mBackupNode = nullptr;
+    bool mModified = false;
+
+private:
+    bool _Move(void *target);
+};
+
+}  // namespace qor::tools::file

@@ -1,0 +1,206 @@
+#include "qor/tools/file/operations.h"
+
+#include "platform/file_system.h"
+#include "qor/tools/container/array.h"
+#include "qor/tools/exception.h"
+#include "qor/tools/file/find.h"
+
+namespace qor::tools::file {
+
+namespace {
+
+[[noreturn]] void Fail(char16_t const *text) { throw exception(0, text); }
+
+bool IsFolder(char16_t const *path) { return path && platform::IsDirectory(path); }
+
+// The common first steps of Move and _CopyFile.
+void CheckSource(char16_t const *from, char16_t const *to, bool overwrite, char16_t const *failure) {
+    if (!from || !platform::Exists(from) || IsFolder(from)) Fail(failure);
+    if (overwrite) _ClearReadOnly(to);
+    if (!overwrite && to && platform::Exists(to) && !IsFolder(to)) Fail(failure);
+}
+
+struct removal {
+    bool mForce;
+    container::array<string> mFolders;
+};
+
+struct copying {
+    string mFrom, mTo;
+    bool mOverwrite;
+    container::array<string> mFolders;
+
+    string Target(string const &source) const {
+        string target(source);
+        target.Replace(mFrom, mTo, 0, string::kAll);
+        return target;
+    }
+};
+
+}  // namespace
+
+void _ClearReadOnly(char16_t const *path) {
+    DWORD attributes = 0;
+    if (!path || !platform::GetAttributes(path, attributes) || !(attributes & FILE_ATTRIBUTE_READONLY)) return;
+    if (!platform::SetAttributes(path, attributes & ~FILE_ATTRIBUTE_READONLY)) Fail(u"file SetFileAttributes");
+}
+
+void Move(char16_t const *from, char16_t const *to, bool overwrite) {
+    CheckSource(from, to, overwrite, u"file MoveFileEx");
+    if (!platform::MoveFile(from, to, overwrite)) Fail(u"file MoveFileEx");
+}
+
+void _CopyFile(char16_t const *from, char16_t const *to, bool overwrite) {
+    CheckSource(from, to, overwrite, u"file CopyFile");
+    if (!platform::CopyFile(from, to, !overwrite)) Fail(u"file CopyFile");
+}
+
+void _RemoveFile(char16_t const *path, bool force) {
+    if (!path || !platform::Exists(path) || IsFolder(path)) return;
+    if (force) _ClearReadOnly(path);
+    // A read-only file stays where it is unless forced, as on the original platform.
+    DWORD attributes = 0;
+    if (!force && platform::GetAttributes(path, attributes) && (attributes & FILE_ATTRIBUTE_READONLY)) {
+        Fail(u"file remove");
+    }
+    if (!platform::RemoveFile(path)) Fail(u"file remove");
+}
+
+string _NormalizePath(char16_t const *path) {
+    string p(path);
+    p.Replace(u'\\', u'/', 0, string::kAll);
+    return p;
+}
+
+string _DriveOf(char16_t const *path) {
+    string p = _NormalizePath(path);
+    int colon = p.Find(u':', 0);
+    return colon < 0 ? string() : string(p.Safe(), colon) + u":";
+}
+
+void CreateFolder(char16_t const *path) {
+    if (IsFolder(path)) return;
+    string p = _NormalizePath(path);
+    string d = _DriveOf(p);
+    if (!d.IsEmpty()) p = p.Mid(2);
+    auto parts = p.Tokenize(u"/");
+    if (parts.Size() == 0) return;
+    static char16_t const *leading[] = {u"", u".", u".."};
+    string c = d;
+    for (int i = 0; i < parts.Size(); ++i) {
+        if (i == 0 && string::Matching(parts[0], leading, 3) >= 0) {
+            c += parts[0];
+            continue;
+        }
+        c += i == 0 ? string(u"./") + parts[0] : string(u"/") + parts[i];
+        if (!IsFolder(c) && !platform::CreateDirectory(c)) Fail(u"file CreateDirectory");
+    }
+}
+
+void _Walk(char16_t const *folder, void *context, void (*callback)(void *context, find &entry)) {
+    find f(folder);
+    while (f.Next()) {
+        if (f.IsDots()) continue;
+        callback(context, f);
+        if (f.IsDirectory()) _Walk(f.FilePath(), context, callback);
+    }
+}
+
+void RemoveFolder(char16_t const *path, bool force) {
+    if (!IsFolder(path)) return;
+    removal context{force, {}};
+    context.mFolders.Add(string(path));
+    _Walk(path, &context, [](void *c, find &entry) {
+        auto *r = static_cast<removal *>(c);
+        if (entry.IsDirectory()) {
+            r->mFolders.Add(entry.FilePath());
+        } else {
+            _RemoveFile(entry.FilePath(), r->mForce);
+        }
+    });
+    for (int i = context.mFolders.Size() - 1; i >= 0; --i) {
+        if (force) _ClearReadOnly(context.mFolders[i]);
+        if (!platform::RemoveDirectory(context.mFolders[i])) Fail(u"file RemoveDirectory");
+    }
+}
+
+void RenameFolder(char16_t const *from, char16_t const *to, bool force) {
+    if (IsFolder(from)) {
+        if (force) _ClearReadOnly(from);
+        if (platform::Rename(from, to)) return;
+    }
+    Fail(u"file rename");
+}
+
+void CopyFolder(char16_t const *from, char16_t const *to, bool overwrite, bool attributes) {
+    if (!IsFolder(from)) return;
+    CreateFolder(to);
+    copying context{string(from), string(to), overwrite, {}};
+    _Walk(from, &context, [](void *c, find &entry) {
+        auto *k = static_cast<copying *>(c);
+        string source = entry.FilePath();
+        string target = k->Target(source);
+        if (entry.IsDirectory()) {
+            CreateFolder(target);
+            k->mFolders.Add(source);
+        } else {
+            _CopyFile(source, target, k->mOverwrite);
+        }
+    });
+    if (!attributes) return;
+    for (int i = 0; i < context.mFolders.Size(); ++i) {
+        CopyAttribute(context.mFolders[i], context.Target(context.mFolders[i]));
+    }
+}
+
+void MoveFolder(char16_t const *from, char16_t const *to, bool overwrite) {
+    if (!IsFolder(from)) Fail(u"file MoveFileEx");
+    if (overwrite) _ClearReadOnly(to);
+    if (_DriveOf(from).CompareNoCase(_DriveOf(to)) != 0 || IsFolder(to)) {
+        CopyFolder(from, to, overwrite, true);
+        RemoveFolder(from, overwrite);
+        return;
+    }
+    if (!platform::MoveFile(from, to, overwrite)) Fail(u"file MoveFileEx");
+}
+
+void CopyAttribute(char16_t const *from, char16_t const *to) {
+    DWORD attributes = 0;
+    if (!platform::GetAttributes(from, attributes)) Fail(u"file FileAttributes");
+    FILETIME creation{}, access{}, write{};
+    if (!platform::GetTimes(from, creation, access, write)) Fail(u"file FileAttributes");
+    if (!platform::Exists(to)) Fail(u"file FileAttributes");
+    // The times first: a read-only target still takes them.
+    if (!platform::SetTimes(to, access, write)) Fail(u"file CreateFile");
+    if (!platform::SetAttributes(to, attributes)) Fail(u"file FileAttributes");
+}
+
+void TrashBox(int operation, char16_t const *from, char16_t const *to) {
+    bool ok = false;
+    switch (operation) {
+        case FO_DELETE: ok = from && *from && platform::Trash(_NormalizePath(from)); break;
+        case FO_MOVE:
+        case FO_RENAME: ok = from && to && platform::Rename(from, to); break;
+        case FO_COPY:
+            if (IsFolder(from)) {
+                try {
+                    CopyFolder(from, to, true, true);
+                    ok = true;
+                } catch (exception const &) {
+                    ok = false;
+                }
+            } else {
+                ok = from && to && platform::CopyFile(from, to, false);
+            }
+            break;
+        default: break;
+    }
+    if (!ok) Fail(u"file SHFileOperation");
+}
+
+string SelectFolder(void *owner) {
+    std::u16string chosen = platform::ChooseFolder(u"フォルダの選択", owner);
+    return string(chosen.c_str());
+}
+
+}  // namespace qor::tools::file
