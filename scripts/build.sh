@@ -14,6 +14,6 @@ case "$mode" in
                                 -DQORTOOLS_BUILD_TESTS=OFF -DQORTOOLS_BUILD_BENCH=OFF -DQORTOOLS_BUILD_EXAMPLES=OFF) ;;
   *) echo "usage: $0 [plain|asan|tsan|fuzz]" >&2; exit 2 ;;
 esac
-cmake -S . -B "$dir" "${args[@]}" >/dev/null
-cmake --build "$dir" -- -k 0
+cmake -S . -B "$dir" "${args[@]}" >&2
+cmake --build "$dir" -- -k 0 >&2
 echo "$dir"

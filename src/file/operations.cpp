@@ -108,7 +108,7 @@ void _Walk(char16_t const *folder, void *context, void (*callback)(void *context
 
 void RemoveFolder(char16_t const *path, bool force) {
     if (!IsFolder(path)) return;
-    removal context{force, {}};
+    removal context{force, container::array<string>()};
     context.mFolders.Add(string(path));
     _Walk(path, &context, [](void *c, find &entry) {
         auto *r = static_cast<removal *>(c);
@@ -135,7 +135,7 @@ void RenameFolder(char16_t const *from, char16_t const *to, bool force) {
 void CopyFolder(char16_t const *from, char16_t const *to, bool overwrite, bool attributes) {
     if (!IsFolder(from)) return;
     CreateFolder(to);
-    copying context{string(from), string(to), overwrite, {}};
+    copying context{string(from), string(to), overwrite, container::array<string>()};
     _Walk(from, &context, [](void *c, find &entry) {
         auto *k = static_cast<copying *>(c);
         string source = entry.FilePath();
