@@ -1,0 +1,92 @@
+// database::session: the connection to one database. It runs SQL, makes and
+// drops tables and indexes, carries the transaction state, and caches the
+// column set and a ready-made command of each table it is asked about.
+//
+//   database::session db;
+//   if (!db.OpenFromProfile(u"app.ini")) return;    // [sql] server, database, user, password, driver
+//   database::command &orders = db.Table(u"orders", true);
+//
+// The database is reached through ODBC: the driver is SQL Server's (FreeTDS)
+// unless the profile's key "driver", Driver(), or the environment variable
+// QORTOOLS_ODBC_DRIVER names another ("PostgreSQL Unicode", "SQLite3"). With
+// SQLite the database is a file path. A failed connection shows the notice
+// "SQL Serverに接続できません。..." and answers false.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "qor/tools/container/array.h"
+#include "qor/tools/container/btree.h"
+#include "qor/tools/database/column.h"
+#include "qor/tools/string.h"
+
+namespace qor::tools::platform::odbc {
+class connection;
+class dialect;
+}  // namespace qor::tools::platform::odbc
+
+namespace qor::tools::database {
+
+class command;
+
+inline constexpr long ISOLATIONLEVEL_READUNCOMMITTED = 0x100;
+inline constexpr long ISOLATIONLEVEL_READCOMMITTED = 0x1000;
+inline constexpr long ISOLATIONLEVEL_REPEATABLEREAD = 0x10000;
+inline constexpr long ISOLATIONLEVEL_SERIALIZABLE = 0x100000;
+
+class session {
+public:
+    using texts = container::array<string, container::pif::array::object>;
+
+    session();
+    // Open, and exception("OLD DB Session Open") when it fails.
+    session(char16_t const *server, char16_t const *database, char16_t const *user, char16_t const *password);
+    session(session const &other);
+    session &operator=(session const &other);
+    virtual ~session();
+
+    virtual bool Open(char16_t const *server, char16_t const *database, char16_t const *user,
+                      char16_t const *password);
+    virtual bool OpenFromProfile(char16_t const *path);
+    virtual bool Execute(char16_t const *sql);
+    virtual bool CreateTable(char16_t const *table, texts &columns, texts &keys);
+    virtual bool CreateIndex(char16_t const *table, char16_t const *index, texts &columns, bool unique);
+    virtual bool DropTable(char16_t const *table);
+
+    column *LoadColumn(char16_t const *table);
+    command &Table(char16_t const *table, bool updatable);
+    bool StartTransaction(long isolation = ISOLATIONLEVEL_READCOMMITTED);
+    void EndTransaction();
+    void EndTransaction(bool commit);
+    [[noreturn]] void TransactoinError(char16_t const *format, ...);
+    [[noreturn]] void TransactoinError(int code, char16_t const *format, ...);
+
+    string const &ServerName() const noexcept { return mServer; }
+    string const &DatabaseName() const noexcept { return mDatabase; }
+    string const &UserName() const noexcept { return mUser; }
+    bool IsOpen() const noexcept;
+    // The ODBC driver for the next Open.
+    void Driver(char16_t const *driver) { mDriver = driver; }
+    string const &Driver() const noexcept { return mDriver; }
+    // Every statement sent on this connection (the last 1,000).
+    std::vector<std::u16string> StatementLog() const;
+    platform::odbc::connection *_Connection() const noexcept { return mSession.get(); }
+    platform::odbc::dialect const &_Dialect() const;
+
+    static constexpr std::uint32_t kTransaction = 1, kTransactionError = 2;
+
+protected:
+    std::shared_ptr<platform::odbc::connection> mSession;
+    container::hash<string, column, container::pif::object, 2> mColumns;
+    container::hash<string, command, container::pif::object, 2> mCommands;
+    string mServer;
+    string mDatabase;
+    string mUser;
+    string mError;
+    std::uint32_t mState = 0;
+    string mDriver;
+};
+
+}  // namespace qor::tools::database
