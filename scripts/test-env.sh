@@ -9,8 +9,6 @@ start_test_services() {
          XDG_DATA_HOME="$QOR_TEST_ROOT/data" XDG_CACHE_HOME="$QOR_TEST_ROOT/cache"
   mkdir -p "$HOME" "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" "$XDG_CACHE_HOME"
   export GTK_THEME=Adwaita GSETTINGS_BACKEND=memory NO_AT_BRIDGE=1
-}
-
   start_postgres
 }
 
