@@ -28,9 +28,13 @@ int BoundedLength(char16_t const *s, int n) noexcept {
     return i;
 }
 
+// The first occurrence of the `ls` units of `s` in `text`; never reads past either terminator.
 char16_t const *SearchText(char16_t const *text, char16_t const *s, int ls) noexcept {
     for (char16_t const *p = text; *p; ++p) {
-        if (*p == *s && std::memcmp(p, s, ls * sizeof(char16_t)) == 0) return p;
+        if (*p != *s) continue;
+        int k = 1;
+        while (k < ls && p[k] == s[k]) ++k;
+        if (k == ls) return p;
     }
     return nullptr;
 }

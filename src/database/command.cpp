@@ -98,12 +98,8 @@ void command::Close() {
 // ---------------------------------------------------------------- statements
 
 HRESULT command::_OpenRowset() {
-    if (mRowset) {
-        mRows = mPosition = mResult = -1;
-        _ReleaseAccessor();
-        _ClearRow();
-        mRowset.reset();
-    }
+    if (mRowset) mResult = -1;
+    _CloseRowset();
     platform::odbc::connection *c = _Connection();
     if (!c) return E_FAIL;
     std::shared_ptr<platform::odbc::rowset> rows;
@@ -256,12 +252,8 @@ bool command::MoveNext(int offset, bool forward) {
 }
 
 bool command::NextResult() {
-    if (mRowset) {
-        mRows = mPosition = mResult = -1;
-        _ReleaseAccessor();
-        _ClearRow();
-        mRowset.reset();
-    }
+    if (mRowset) mResult = -1;
+    _CloseRowset();
     platform::odbc::connection *c = _Connection();
     std::shared_ptr<platform::odbc::rowset> rows;
     if (!c || c->NextResult(rows) != S_OK || !rows) return false;

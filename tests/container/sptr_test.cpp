@@ -4,6 +4,7 @@
 
 #include "qor/tools/algorithm/singleton.h"
 #include "qor/tools/container/ptr.h"
+#include "counted_unknown.h"
 
 using namespace qor::tools;
 using namespace qor::tools::container;
@@ -16,23 +17,6 @@ struct tracked {
     int *mAlive;
 };
 
-// A COM object that counts its references and records its deletion.
-struct counted : IUnknown {
-    explicit counted(bool *deleted) : mDeleted(deleted) {}
-    virtual ~counted() { *mDeleted = true; }
-    HRESULT QueryInterface(REFIID, void **out) override {
-        *out = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG AddRef() override { return ++mCount; }
-    ULONG Release() override {
-        ULONG n = --mCount;
-        if (n == 0) delete this;
-        return n;
-    }
-    ULONG mCount = 1;
-    bool *mDeleted;
-};
 
 }  // namespace
 
@@ -107,8 +91,8 @@ TEST(SptrDetach, EveryHandleSeesNullAndTheCallerOwns) {
 TEST(Comptr, AddrReleasesFirstRefAddrDoesNot) {
     bool firstDeleted = false, secondDeleted = false;
     {
-        comptr<IUnknown> c(new counted(&firstDeleted));
-        *c.Addr() = new counted(&secondDeleted);
+        comptr<IUnknown> c(new qor::tools::testing::counted_unknown(&firstDeleted));
+        *c.Addr() = new qor::tools::testing::counted_unknown(&secondDeleted);
         EXPECT_TRUE(firstDeleted);
         IUnknown *held = c.Get();
         *c.RefAddr() = nullptr;
@@ -123,7 +107,7 @@ TEST(Comptr, CreateInstanceWithoutAFactoryFails) {
     EXPECT_EQ(c.CoCreateInstance(GUID_NULL), REGDB_E_CLASSNOTREG);
     EXPECT_TRUE(c.IsEmpty());
     bool deleted = false;
-    c = new counted(&deleted);
+    c = new qor::tools::testing::counted_unknown(&deleted);
     EXPECT_EQ(c.CoCreateInstance(u"No.Such.Class"), CO_E_CLASSSTRING);
     EXPECT_FALSE(deleted);  // a failed ProgID lookup keeps the old element
 }

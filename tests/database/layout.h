@@ -1,9 +1,8 @@
-// Column sets built by hand for the database tests, and a COM object that
-// counts its references.
+// Column sets built by hand for the database tests.
 #pragma once
 
 #include "qor/tools/database/column.h"
-#include "qor/tools/platform/com.h"
+#include "counted_unknown.h"
 
 namespace qor::tools::testing {
 
@@ -20,19 +19,5 @@ public:
     }
 };
 
-struct counted_unknown : IUnknown {
-    HRESULT QueryInterface(REFIID, void **out) override {
-        *out = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG AddRef() override { return ++mCount; }
-    ULONG Release() override {
-        ULONG n = --mCount;
-        if (n == 0) delete this;
-        return n;
-    }
-    virtual ~counted_unknown() = default;
-    ULONG mCount = 1;
-};
 
 }  // namespace qor::tools::testing
