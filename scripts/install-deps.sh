@@ -5,7 +5,7 @@
 set -euo pipefail
 
 packages=(
-  build-essential cmake ninja-build pkg-config clang
+  build-essential cmake ninja-build pkg-config clang libclang-rt-14-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   libxml2-dev libssl-dev libglib2.0-dev libgtk-3-dev
   unixodbc-dev odbc-postgresql libsqliteodbc sqlite3 postgresql

@@ -44,7 +44,7 @@ namespace {
 
 enum class size_mod { none, hh, h, l, ll, L, j, z, t, i32 };
 
-struct spec {
+struct directive {
     bool left = false, plus = false, space = false, alt = false, zero = false;
     int width = -1;
     int precision = -1;
@@ -54,11 +54,11 @@ struct spec {
     char16_t conversion = 0;
 };
 
-void Pad(format_buffer &out, spec const &sp, std::size_t length, char16_t fill = u' ') {
+void Pad(format_buffer &out, directive const &sp, std::size_t length, char16_t fill = u' ') {
     if (sp.width > 0 && std::size_t(sp.width) > length) out.Fill(fill, std::size_t(sp.width) - length);
 }
 
-void PutPadded(format_buffer &out, spec const &sp, char16_t const *s, std::size_t n) {
+void PutPadded(format_buffer &out, directive const &sp, char16_t const *s, std::size_t n) {
     char16_t fill = (sp.zero && !sp.left) ? u'0' : u' ';
     if (!sp.left) Pad(out, sp, n, fill);
     out.Put(s, n);
@@ -77,7 +77,7 @@ void PutAscii(format_buffer &out, char const *s, std::size_t n) {
 }
 
 // Builds the narrow conversion "%<flags><width>.<precision><len><conv>".
-std::string NarrowSpec(spec const &sp, char const *length, char conversion) {
+std::string NarrowDirective(directive const &sp, char const *length, char conversion) {
     std::string f = "%";
     if (sp.left) f += '-';
     if (sp.plus) f += '+';
@@ -105,7 +105,7 @@ void PutNumber(format_buffer &out, std::string const &f, T value) {
     PutAscii(out, big.data(), std::size_t(n));
 }
 
-void PutInteger(format_buffer &out, spec const &sp, va_list &args) {
+void PutInteger(format_buffer &out, directive const &sp, va_list &args) {
     bool isSigned = sp.conversion == u'd' || sp.conversion == u'i';
     long long s = 0;
     unsigned long long u = 0;
@@ -120,7 +120,7 @@ void PutInteger(format_buffer &out, spec const &sp, va_list &args) {
         default: s = va_arg(args, int); u = static_cast<unsigned int>(s); break;
     }
     char c = char(sp.conversion == u'i' ? u'd' : sp.conversion);
-    std::string f = NarrowSpec(sp, "ll", c);
+    std::string f = NarrowDirective(sp, "ll", c);
     if (isSigned) {
         PutNumber(out, f, s);
     } else {
@@ -128,26 +128,26 @@ void PutInteger(format_buffer &out, spec const &sp, va_list &args) {
     }
 }
 
-void PutFloat(format_buffer &out, spec const &sp, va_list &args) {
+void PutFloat(format_buffer &out, directive const &sp, va_list &args) {
     char c = char(sp.conversion);
     if (sp.size == size_mod::L) {
-        PutNumber(out, NarrowSpec(sp, "L", c), va_arg(args, long double));
+        PutNumber(out, NarrowDirective(sp, "L", c), va_arg(args, long double));
     } else {
-        PutNumber(out, NarrowSpec(sp, "", c), va_arg(args, double));
+        PutNumber(out, NarrowDirective(sp, "", c), va_arg(args, double));
     }
 }
 
-void PutPointer(format_buffer &out, spec const &sp, va_list &args) {
+void PutPointer(format_buffer &out, directive const &sp, va_list &args) {
     // Windows prints a pointer as 16 upper-case hexadecimal digits.
     auto value = reinterpret_cast<std::uintptr_t>(va_arg(args, void *));
     char16_t digits[16];
     for (int i = 15; i >= 0; --i, value >>= 4) digits[i] = u"0123456789ABCDEF"[value & 0xF];
-    spec plain = sp;
+    directive plain = sp;
     plain.zero = false;
     PutPadded(out, plain, digits, 16);
 }
 
-void PutWideString(format_buffer &out, spec const &sp, char16_t const *s) {
+void PutWideString(format_buffer &out, directive const &sp, char16_t const *s) {
     static char16_t const null[] = u"(null)";
     if (!s) s = null;
     std::size_t n = 0;
@@ -155,7 +155,7 @@ void PutWideString(format_buffer &out, spec const &sp, char16_t const *s) {
     PutPadded(out, sp, s, n);
 }
 
-void PutNarrowString(format_buffer &out, spec const &sp, char const *s) {
+void PutNarrowString(format_buffer &out, directive const &sp, char const *s) {
     if (!s) {
         PutWideString(out, sp, nullptr);
         return;
@@ -167,7 +167,7 @@ void PutNarrowString(format_buffer &out, spec const &sp, char const *s) {
     PutPadded(out, sp, wide.data(), n);
 }
 
-void PutCharacter(format_buffer &out, spec const &sp, va_list &args) {
+void PutCharacter(format_buffer &out, directive const &sp, va_list &args) {
     int value = va_arg(args, int);
     char16_t c;
     if (sp.narrow) {
@@ -182,7 +182,7 @@ void PutCharacter(format_buffer &out, spec const &sp, va_list &args) {
 }
 
 // Reads flags, width, precision and size at `p`; returns the character after them.
-char16_t const *ParseSpec(char16_t const *p, spec &sp, va_list &args) {
+char16_t const *ParseDirective(char16_t const *p, directive &sp, va_list &args) {
     for (;; ++p) {
         if (*p == u'-') sp.left = true;
         else if (*p == u'+') sp.plus = true;
@@ -249,8 +249,8 @@ int FormatV(format_buffer &out, char16_t const *format, va_list args) {
         if (p != plain) out.Put(plain, std::size_t(p - plain));
         if (!*p) break;
         ++p;  // the '%'
-        spec sp;
-        p = ParseSpec(p, sp, ap);
+        directive sp;
+        p = ParseDirective(p, sp, ap);
         sp.conversion = *p;
         if (!*p) break;
         ++p;

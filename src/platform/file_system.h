@@ -29,7 +29,7 @@ bool RemoveDirectory(char16_t const *path);
 bool RemoveFile(char16_t const *path);
 bool Rename(char16_t const *from, char16_t const *to);
 
-// Moves a file or folder to the desktop trash (freedesktop.org Trash specification).
+// Moves a file or folder to the desktop trash (the freedesktop.org trash layout).
 bool Trash(char16_t const *path);
 // The folder chooser; empty when cancelled or when there is no display.
 std::u16string ChooseFolder(char16_t const *title, void *owner);
