@@ -93,7 +93,7 @@ public:
     field &operator=(char16_t const *v) { return _Set(v); }
 
     // Compound assignment: in place for types 3, 19 and 5 only.
-#define QOR_FIELD_COMPOUND(op, name)                                        \
+#define QOR_FIELD_WHOLE(op, name)                                           \
     field &operator op(char v) { return name(long(v)); }                    \
     field &operator op(short v) { return name(long(v)); }                   \
     field &operator op(int v) { return name(long(v)); }                     \
@@ -102,30 +102,23 @@ public:
     field &operator op(unsigned short v) { return name((unsigned long)v); } \
     field &operator op(unsigned int v) { return name((unsigned long)v); }   \
     field &operator op(unsigned long v) { return name(v); }                 \
-    field &operator op(float v) { return name(double(v)); }                 \
-    field &operator op(double v) { return name(v); }                        \
     field &operator op(field const &v) { return name(v); }
+#define QOR_FIELD_COMPOUND(op, name)                        \
+    QOR_FIELD_WHOLE(op, name)                               \
+    field &operator op(float v) { return name(double(v)); } \
+    field &operator op(double v) { return name(v); }
     QOR_FIELD_COMPOUND(+=, _Plus)
     QOR_FIELD_COMPOUND(-=, _Minus)
     QOR_FIELD_COMPOUND(*=, _Multi)
     QOR_FIELD_COMPOUND(/=, _Divide)
     QOR_FIELD_COMPOUND(%=, _Mod)
+    // Bit operations take whole operands only.
+    QOR_FIELD_WHOLE(&=, _And)
+    QOR_FIELD_WHOLE(|=, _Or)
+    QOR_FIELD_WHOLE(<<=, _ShiftL)
+    QOR_FIELD_WHOLE(>>=, _ShiftR)
 #undef QOR_FIELD_COMPOUND
-#define QOR_FIELD_BITS(op, name)                                            \
-    field &operator op(char v) { return name(long(v)); }                    \
-    field &operator op(short v) { return name(long(v)); }                   \
-    field &operator op(int v) { return name(long(v)); }                     \
-    field &operator op(long v) { return name(v); }                          \
-    field &operator op(unsigned char v) { return name((unsigned long)v); }  \
-    field &operator op(unsigned short v) { return name((unsigned long)v); } \
-    field &operator op(unsigned int v) { return name((unsigned long)v); }   \
-    field &operator op(unsigned long v) { return name(v); }                 \
-    field &operator op(field const &v) { return name(v); }
-    QOR_FIELD_BITS(&=, _And)
-    QOR_FIELD_BITS(|=, _Or)
-    QOR_FIELD_BITS(<<=, _ShiftL)
-    QOR_FIELD_BITS(>>=, _ShiftR)
-#undef QOR_FIELD_BITS
+#undef QOR_FIELD_WHOLE
     // Prefix and postfix alike: one step in place, the field returned.
     field &operator++() { return _Plus(1L); }
     field &operator++(int) { return _Plus(1L); }
