@@ -209,7 +209,46 @@ connection::~connection() {
 void connection::_CloseStatement() {
     if (mPending) SQLFreeHandle(SQL_HANDLE_STMT, mPending);
     mPending = nullptr;
+    mBatch.clear();
 }
+
+namespace {
+
+// Splits a batch at the semicolons outside quotes and comments (SQLite's driver
+// runs one statement per call). Empty statements are dropped.
+std::vector<std::u16string> SplitBatch(std::u16string const &sql) {
+    std::vector<std::u16string> parts;
+    std::u16string current;
+    auto flush = [&] {
+        if (current.find_first_not_of(u" \t\r\n") != std::u16string::npos) parts.push_back(current);
+        current.clear();
+    };
+    for (std::size_t i = 0; i < sql.size(); ++i) {
+        char16_t c = sql[i];
+        if (c == u'\'' || c == u'"') {
+            std::size_t end = sql.find(c, i + 1);
+            if (end == std::u16string::npos) end = sql.size() - 1;
+            current += sql.substr(i, end - i + 1);
+            i = end;
+        } else if (c == u'-' && i + 1 < sql.size() && sql[i + 1] == u'-') {
+            std::size_t end = sql.find(u'\n', i);
+            i = end == std::u16string::npos ? sql.size() : end;
+            current += u'\n';
+        } else if (c == u'/' && i + 1 < sql.size() && sql[i + 1] == u'*') {
+            std::size_t end = sql.find(u"*/", i + 2);
+            i = end == std::u16string::npos ? sql.size() : end + 1;
+            current += u' ';
+        } else if (c == u';') {
+            flush();
+        } else {
+            current += c;
+        }
+    }
+    flush();
+    return parts;
+}
+
+}  // namespace
 
 void connection::_Note(std::u16string const &sql) {
     if (mLog.size() >= 1000) mLog.erase(mLog.begin());
@@ -495,16 +534,26 @@ HRESULT connection::Query(std::u16string const &sql, std::u16string const &table
     _CloseStatement();
     if (!mDbc) return E_FAIL;
     _Note(sql);
+    std::u16string first = sql;
+    std::vector<std::u16string> rest;
+    if (mDialect.Kind() == dialect::kind::sqlite) {
+        rest = SplitBatch(sql);
+        if (rest.size() > 1) {
+            first = rest.front();
+            rest.erase(rest.begin());
+        } else {
+            rest.clear();
+        }
+    }
     statement stmt(mDbc);
-    SQLRETURN r = Direct(stmt.mHandle, sql, mWide);
+    SQLRETURN r = Direct(stmt.mHandle, first, mWide);
     if (!Ok(r) && r != SQL_NO_DATA) return E_FAIL;
     SQLSMALLINT columns = 0;
     SQLNumResultCols(stmt.mHandle, &columns);
-    if (columns == 0) return S_OK;  // no result set
-    HRESULT hr = _Read(stmt.mHandle, table, result);
+    HRESULT hr = columns == 0 ? S_OK : _Read(stmt.mHandle, table, result);  // no columns: no result set
     if (FAILED(hr)) return hr;
     mPending = stmt.Release();
-    mPendingTable = table;
+    mBatch = std::move(rest);
     return S_OK;
 }
 
@@ -512,6 +561,23 @@ HRESULT connection::NextResult(std::shared_ptr<rowset> &result) {
     result.reset();
     if (!mPending) return E_FAIL;
     auto *stmt = static_cast<SQLHSTMT>(mPending);
+    while (!mBatch.empty()) {
+        std::u16string next = mBatch.front();
+        mBatch.erase(mBatch.begin());
+        SQLFreeStmt(stmt, SQL_CLOSE);
+        SQLRETURN r = Direct(stmt, next, mWide);
+        if (!Ok(r) && r != SQL_NO_DATA) {
+            _CloseStatement();
+            return E_FAIL;
+        }
+        SQLSMALLINT columns = 0;
+        SQLNumResultCols(stmt, &columns);
+        if (columns > 0) return _Read(stmt, std::u16string(), result);
+    }
+    if (mDialect.Kind() == dialect::kind::sqlite) {
+        _CloseStatement();
+        return E_FAIL;
+    }
     for (;;) {
         SQLRETURN r = SQLMoreResults(stmt);
         if (r == SQL_NO_DATA) {

@@ -133,7 +133,7 @@ private:
     void *mEnv = nullptr;
     void *mDbc = nullptr;
     void *mPending = nullptr;  // the statement of the last Query, for further results
-    std::u16string mPendingTable;
+    std::vector<std::u16string> mBatch;  // SQLite: the statements of a batch still to run
     dialect mDialect;
     bool mWide = true;
     bool mInTransaction = false;

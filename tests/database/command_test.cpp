@@ -216,6 +216,18 @@ TEST_P(Database, FailuresAndTheProcessGoesOn) {
     EXPECT_TRUE(freeSql.MoveNext());
     EXPECT_EQ(int(freeSql[u"id"]), 1);
     EXPECT_FALSE(freeSql.NextResult());
+
+    // A batch of statements gives its results one after another.
+    ASSERT_TRUE(freeSql.Select(u"select id from people; select 'a;b' as text, 2 as two -- the end"));
+    ASSERT_TRUE(freeSql.MoveNext());
+    EXPECT_EQ(int(freeSql[u"id"]), 1);
+    ASSERT_TRUE(freeSql.NextResult());
+    EXPECT_EQ(freeSql.Rows(), 1);
+    ASSERT_TRUE(freeSql.MoveNext());
+    EXPECT_EQ(int(freeSql[u"two"]), 2);
+    EXPECT_EQ(std::u16string(static_cast<char16_t const *>(freeSql[u"text"])), u"a;b");
+    EXPECT_FALSE(freeSql.NextResult());
+    EXPECT_EQ(freeSql.Columns(), 3);  // the column set stays, zeroed
 }
 
 TEST_P(Database, TransactionsCommitAndRollBack) {
