@@ -504,16 +504,29 @@ bool BindAll(SQLHSTMT stmt, std::vector<cell> const &values, std::vector<DBTYPE>
 
 HRESULT connection::Execute(std::u16string const &sql) {
     if (!mDbc) return E_FAIL;
+    mKeyCache.clear();  // the statement may have changed a table's key
     _Note(sql);
     statement stmt(mDbc);
     SQLRETURN r = Direct(stmt.mHandle, sql, mWide);
     return (Ok(r) || r == SQL_NO_DATA) ? S_OK : E_FAIL;
 }
 
-HRESULT connection::_Read(void *handle, std::u16string const &table, std::shared_ptr<rowset> &result) {
+std::u16string connection::_IdentityColumn() const {
+    if (mDialect.Kind() == dialect::kind::sqlite) return u"rowid";
+    if (mDialect.Kind() == dialect::kind::postgresql) return u"ctid::text";
+    return {};
+}
+
+HRESULT connection::_Read(void *handle, std::u16string const &table, bool identity, std::shared_ptr<rowset> &result) {
     auto *stmt = static_cast<SQLHSTMT>(handle);
     auto rows = std::make_shared<rowset>(*this, table);
     rows->mColumns = Describe(stmt, mWide);
+    std::size_t identityColumn = 0;
+    if (identity && rows->mColumns.size() > 1) {
+        identityColumn = rows->mColumns.size() - 1;
+        rows->mColumns.pop_back();
+        rows->mIdentity = true;
+    }
     for (;;) {
         SQLRETURN r = SQLFetch(stmt);
         if (r == SQL_NO_DATA) break;
@@ -523,6 +536,7 @@ HRESULT connection::_Read(void *handle, std::u16string const &table, std::shared
         for (std::size_t i = 1; i < rows->mColumns.size(); ++i) {
             row.mCells[i] = ReadCell(stmt, SQLUSMALLINT(i), rows->mColumns[i].mType, mWide);
         }
+        if (identityColumn) row.mIdentity = ReadCell(stmt, SQLUSMALLINT(identityColumn), DBTYPE_WSTR, mWide);
         rows->mRows.push_back(std::move(row));
     }
     result = rows;
@@ -536,6 +550,16 @@ HRESULT connection::Query(std::u16string const &sql, std::u16string const &table
     _Note(sql);
     std::u16string first = sql;
     std::vector<std::u16string> rest;
+    // A table without a primary key: its rows are found again by their identity.
+    bool identity = false;
+    std::u16string prefix = u"select * from " + table;
+    std::vector<std::u16string> keys;
+    if (!table.empty() && !_IdentityColumn().empty() && Lower(sql.substr(0, prefix.size())) == Lower(prefix) &&
+        (sql.size() == prefix.size() || sql[prefix.size()] == u' ') && SUCCEEDED(PrimaryKeys(table, keys)) &&
+        keys.empty()) {
+        first = u"select *, " + _IdentityColumn() + u" from " + table + sql.substr(prefix.size());
+        identity = true;
+    }
     if (mDialect.Kind() == dialect::kind::sqlite) {
         rest = SplitBatch(sql);
         if (rest.size() > 1) {
@@ -550,7 +574,7 @@ HRESULT connection::Query(std::u16string const &sql, std::u16string const &table
     if (!Ok(r) && r != SQL_NO_DATA) return E_FAIL;
     SQLSMALLINT columns = 0;
     SQLNumResultCols(stmt.mHandle, &columns);
-    HRESULT hr = columns == 0 ? S_OK : _Read(stmt.mHandle, table, result);  // no columns: no result set
+    HRESULT hr = columns == 0 ? S_OK : _Read(stmt.mHandle, table, identity, result);  // no columns: no result set
     if (FAILED(hr)) return hr;
     mPending = stmt.Release();
     mBatch = std::move(rest);
@@ -572,7 +596,7 @@ HRESULT connection::NextResult(std::shared_ptr<rowset> &result) {
         }
         SQLSMALLINT columns = 0;
         SQLNumResultCols(stmt, &columns);
-        if (columns > 0) return _Read(stmt, std::u16string(), result);
+        if (columns > 0) return _Read(stmt, std::u16string(), false, result);
     }
     if (mDialect.Kind() == dialect::kind::sqlite) {
         _CloseStatement();
@@ -590,7 +614,7 @@ HRESULT connection::NextResult(std::shared_ptr<rowset> &result) {
         }
         SQLSMALLINT columns = 0;
         SQLNumResultCols(stmt, &columns);
-        if (columns > 0) return _Read(stmt, std::u16string(), result);
+        if (columns > 0) return _Read(stmt, std::u16string(), false, result);
     }
 }
 
@@ -607,6 +631,12 @@ HRESULT connection::TableColumns(std::u16string const &table, std::vector<column
 HRESULT connection::PrimaryKeys(std::u16string const &table, std::vector<std::u16string> &keys) {
     keys.clear();
     if (!mDbc) return E_FAIL;
+    for (auto const &[name, known] : mKeyCache) {
+        if (name == table) {
+            keys = known;
+            return S_OK;
+        }
+    }
     std::shared_ptr<rowset> rows;
     std::u16string sql;
     if (mDialect.Kind() == dialect::kind::sqlite) {
@@ -629,6 +659,7 @@ HRESULT connection::PrimaryKeys(std::u16string const &table, std::vector<std::u1
         cell name = ReadCell(stmt.mHandle, 1, DBTYPE_WSTR, mWide);
         if (auto *t = std::get_if<std::u16string>(&name)) keys.push_back(*t);
     }
+    mKeyCache.emplace_back(table, keys);
     return S_OK;
 }
 
@@ -848,16 +879,27 @@ std::vector<DBTYPE> rowset::_Types(std::vector<std::size_t> const &ordinals) con
     return types;
 }
 
-HRESULT rowset::_Keys(cached const &row, std::vector<std::size_t> &ordinals) const {
+HRESULT rowset::_Where(cached const &row, std::u16string &clause, std::vector<cell> &values,
+                       std::vector<DBTYPE> &types) const {
     std::vector<std::u16string> keys;
-    if (mTable.empty() || FAILED(mOwner.PrimaryKeys(mTable, keys)) || keys.empty()) return E_FAIL;
-    for (auto const &key : keys) {
+    if (mTable.empty() || FAILED(mOwner.PrimaryKeys(mTable, keys))) return E_FAIL;
+    if (keys.empty()) {
+        if (!mIdentity || std::holds_alternative<std::monostate>(row.mIdentity)) return E_FAIL;
+        bool sqlite = mOwner.Dialect().Kind() == dialect::kind::sqlite;
+        clause = sqlite ? u"rowid=?" : u"ctid=cast(? as tid)";
+        values.push_back(sqlite ? cell(AsWhole(row.mIdentity)) : row.mIdentity);
+        types.push_back(sqlite ? DBTYPE_I8 : DBTYPE_WSTR);
+        return S_OK;
+    }
+    for (std::size_t k = 0; k < keys.size(); ++k) {
         std::size_t found = 0;
         for (std::size_t i = 1; i < mColumns.size(); ++i) {
-            if (Lower(mColumns[i].mName) == Lower(key)) found = i;
+            if (Lower(mColumns[i].mName) == Lower(keys[k])) found = i;
         }
         if (!found || found >= row.mCells.size()) return E_FAIL;
-        ordinals.push_back(found);
+        clause += (k ? u" and " : u"") + mColumns[found].mName + u"=?";
+        values.push_back(row.mCells[found]);
+        types.push_back(mColumns[found].mType);
     }
     return S_OK;
 }
@@ -874,20 +916,31 @@ HRESULT rowset::InsertRow(std::vector<DBBINDING> const &bindings, unsigned char 
     }
     std::u16string sql = ordinals.empty() ? u"insert into " + mTable + u" default values"
                                           : u"insert into " + mTable + u" (" + names + u") values (" + marks + u")";
+    // The inserted row is read back, defaults and generated keys included (and its identity).
+    std::vector<column_desc> wanted = mColumns;
+    std::u16string extra;
+    if (mIdentity) {
+        wanted.push_back(column_desc{u"identity", DBTYPE_WSTR, 64, 0, 0, 0});
+        extra = u", " + mOwner._IdentityColumn();
+    }
     cached inserted;
     HRESULT hr;
     dialect::kind kind = mOwner.Dialect().Kind();
     std::vector<DBTYPE> types = _Types(ordinals);
     if (kind == dialect::kind::postgresql) {
-        hr = mOwner._Run(sql + u" returning *", values, types, &inserted.mCells, &mColumns, nullptr);
+        hr = mOwner._Run(sql + u" returning *" + extra, values, types, &inserted.mCells, &wanted, nullptr);
     } else {
         hr = mOwner._Run(sql, values, types, nullptr, nullptr, nullptr);
         if (SUCCEEDED(hr) && kind == dialect::kind::sqlite) {
-            mOwner._Run(u"select * from " + mTable + u" where rowid = last_insert_rowid()", {}, {}, &inserted.mCells,
-                        &mColumns, nullptr);
+            mOwner._Run(u"select *" + extra + u" from " + mTable + u" where rowid = last_insert_rowid()", {}, {},
+                        &inserted.mCells, &wanted, nullptr);
         }
     }
     if (FAILED(hr)) return hr;
+    if (mIdentity && inserted.mCells.size() == wanted.size()) {
+        inserted.mIdentity = inserted.mCells.back();
+        inserted.mCells.pop_back();
+    }
     if (inserted.mCells.size() != mColumns.size()) {
         inserted.mCells.assign(mColumns.size(), std::monostate{});
         for (std::size_t k = 0; k < ordinals.size(); ++k) inserted.mCells[ordinals[k]] = values[k];
@@ -900,23 +953,29 @@ HRESULT rowset::InsertRow(std::vector<DBBINDING> const &bindings, unsigned char 
 HRESULT rowset::SetData(HROW row, std::vector<DBBINDING> const &bindings, unsigned char const *buffer) {
     if (row == 0 || row > HROW(Rows()) || mRows[row - 1].mDeleted) return DB_E_BADROWHANDLE;
     cached &target = mRows[row - 1];
-    std::vector<std::size_t> keys, ordinals;
+    std::vector<std::size_t> ordinals;
     std::vector<cell> values;
-    if (FAILED(_Keys(target, keys))) return E_FAIL;
     _Bind(bindings, buffer, ordinals, values);
     if (ordinals.empty()) return S_OK;
-    std::u16string sql = u"update " + mTable + u" set ";
-    for (std::size_t k = 0; k < ordinals.size(); ++k) sql += (k ? u"," : u"") + mColumns[ordinals[k]].mName + u"=?";
-    sql += u" where ";
+    std::u16string where;
     std::vector<cell> all = values;
     std::vector<DBTYPE> types = _Types(ordinals);
-    for (std::size_t k = 0; k < keys.size(); ++k) {
-        sql += (k ? u" and " : u"") + mColumns[keys[k]].mName + u"=?";
-        all.push_back(target.mCells[keys[k]]);
-        types.push_back(mColumns[keys[k]].mType);
-    }
+    if (FAILED(_Where(target, where, all, types))) return E_FAIL;
+    std::u16string sql = u"update " + mTable + u" set ";
+    for (std::size_t k = 0; k < ordinals.size(); ++k) sql += (k ? u"," : u"") + mColumns[ordinals[k]].mName + u"=?";
+    sql += u" where " + where;
     std::int64_t affected = 0;
-    HRESULT hr = mOwner._Run(sql, all, types, nullptr, nullptr, &affected);
+    HRESULT hr;
+    bool moves = mIdentity && mOwner.Dialect().Kind() == dialect::kind::postgresql;  // an update moves a ctid
+    if (moves) {
+        std::vector<column_desc> wanted(2, column_desc{u"identity", DBTYPE_WSTR, 64, 0, 0, 0});
+        std::vector<cell> returned;
+        hr = mOwner._Run(sql + u" returning ctid::text", all, types, &returned, &wanted, nullptr);
+        if (SUCCEEDED(hr) && returned.size() == 2) target.mIdentity = returned[1];
+        affected = SUCCEEDED(hr) ? 1 : 0;
+    } else {
+        hr = mOwner._Run(sql, all, types, nullptr, nullptr, &affected);
+    }
     if (FAILED(hr) || affected < 1) return FAILED(hr) ? hr : DB_E_ERRORSOCCURRED;
     for (std::size_t k = 0; k < ordinals.size(); ++k) target.mCells[ordinals[k]] = values[k];
     return S_OK;
@@ -925,16 +984,12 @@ HRESULT rowset::SetData(HROW row, std::vector<DBBINDING> const &bindings, unsign
 HRESULT rowset::DeleteRow(HROW row) {
     if (row == 0 || row > HROW(Rows()) || mRows[row - 1].mDeleted) return DB_E_BADROWHANDLE;
     cached &target = mRows[row - 1];
-    std::vector<std::size_t> keys;
-    if (FAILED(_Keys(target, keys))) return E_FAIL;
-    std::u16string sql = u"delete from " + mTable + u" where ";
+    std::u16string where;
     std::vector<cell> values;
-    for (std::size_t k = 0; k < keys.size(); ++k) {
-        sql += (k ? u" and " : u"") + mColumns[keys[k]].mName + u"=?";
-        values.push_back(target.mCells[keys[k]]);
-    }
+    std::vector<DBTYPE> types;
+    if (FAILED(_Where(target, where, values, types))) return E_FAIL;
     std::int64_t affected = 0;
-    HRESULT hr = mOwner._Run(sql, values, _Types(keys), nullptr, nullptr, &affected);
+    HRESULT hr = mOwner._Run(u"delete from " + mTable + u" where " + where, values, types, nullptr, nullptr, &affected);
     if (FAILED(hr) || affected < 1) return FAILED(hr) ? hr : DB_E_ERRORSOCCURRED;
     target.mDeleted = true;
     return S_OK;

@@ -77,17 +77,21 @@ private:
     friend class connection;
     struct cached {
         std::vector<cell> mCells;  // by ordinal; [0] unused
+        cell mIdentity;            // the row identity of a table without a key (rowid, ctid)
         bool mDeleted = false;
     };
     HRESULT _Bind(std::vector<DBBINDING> const &bindings, unsigned char const *buffer,
                   std::vector<std::size_t> &ordinals, std::vector<cell> &values) const;
     std::vector<DBTYPE> _Types(std::vector<std::size_t> const &ordinals) const;
-    HRESULT _Keys(cached const &row, std::vector<std::size_t> &ordinals) const;
+    // The condition that finds `row` again: its primary key, or its row identity.
+    HRESULT _Where(cached const &row, std::u16string &clause, std::vector<cell> &values,
+                   std::vector<DBTYPE> &types) const;
 
     connection &mOwner;
     std::u16string mTable;
     std::vector<column_desc> mColumns;
     std::vector<cached> mRows;
+    bool mIdentity = false;  // rows carry their identity (the table has no primary key)
     std::int64_t mNext = 0;
     bool mAtStart = true;
 };
@@ -122,11 +126,14 @@ public:
     // Runs a parameterised statement; with `returned`, reads the row it gives.
     HRESULT _Run(std::u16string const &sql, std::vector<cell> const &parameters, std::vector<DBTYPE> const &types,
                  std::vector<cell> *returned, std::vector<column_desc> const *columns, std::int64_t *affected);
+    // The SQL that selects the identity of a row of a table without a primary key.
+    std::u16string _IdentityColumn() const;
     // The first column of the first row of a statement, beside any open result.
     HRESULT Scalar(std::u16string const &sql, std::int64_t &value);
 
 private:
-    HRESULT _Read(void *statement, std::u16string const &table, std::shared_ptr<rowset> &result);
+    HRESULT _Read(void *statement, std::u16string const &table, bool identity, std::shared_ptr<rowset> &result);
+
     void _Note(std::u16string const &sql);
     void _CloseStatement();
 
@@ -138,6 +145,7 @@ private:
     bool mWide = true;
     bool mInTransaction = false;
     std::vector<std::u16string> mLog;
+    std::vector<std::pair<std::u16string, std::vector<std::u16string>>> mKeyCache;
 };
 
 }  // namespace qor::tools::platform::odbc

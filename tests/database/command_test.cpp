@@ -153,6 +153,35 @@ TEST_P(Database, InsertKeepThenUpdate) {
     people.Renewal(true);
 }
 
+TEST_P(Database, TablesWithoutAKeyUseTheRowIdentity) {
+    session::texts columns, none;
+    columns.Add(string(u"name varchar(20)"));
+    columns.Add(string(u"n integer"));
+    mDb.DropTable(u"loose");
+    ASSERT_TRUE(mDb.CreateTable(u"loose", columns, none));
+    {
+        command loose(mDb, u"loose", true);
+        for (int i = 0; i < 3; ++i) {
+            loose.Clear();
+            loose[u"name"] = u"same";  // no column tells the rows apart
+            loose[u"n"] = i;
+            loose.Insert(false);
+        }
+        ASSERT_TRUE(loose.Select(u"order by n"));
+        ASSERT_TRUE(loose.MoveAt(1));
+        loose[u"name"] = u"changed";
+        loose.Update();
+        loose[u"n"] = 10;
+        loose.Update();  // again, after the row identity may have moved
+        ASSERT_TRUE(loose.MoveAt(2));
+        loose.Delete();
+        EXPECT_EQ(loose.Count(), 2);
+        EXPECT_EQ(loose.Count(u"where name = 'changed' and n = 10"), 1);
+        EXPECT_EQ(loose.Columns(), 3);  // the identity is not a column of the record
+    }
+    mDb.DropTable(u"loose");
+}
+
 TEST_P(Database, ValuesTravelAsParameters) {
     command &people = mDb.Table(u"people", true);
     people.Clear();
