@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/file_io.h"
+#include "rc4.h"
 
 namespace qor::tools::file {
 
@@ -43,19 +44,7 @@ bool Rc4WithOpenSsl(std::array<unsigned char, 16> const &key, unsigned char *dat
 // RC4 over `size` bytes in place, the key stream starting afresh.
 void Rc4(std::array<unsigned char, 16> const &key, unsigned char *data, std::size_t size) {
     if (size > 0 && Rc4WithOpenSsl(key, data, size)) return;
-    unsigned char s[256];
-    for (int i = 0; i < 256; ++i) s[i] = static_cast<unsigned char>(i);
-    for (int i = 0, j = 0; i < 256; ++i) {
-        j = (j + s[i] + key[std::size_t(i) % key.size()]) & 0xFF;
-        std::swap(s[i], s[j]);
-    }
-    unsigned i = 0, j = 0;
-    for (std::size_t k = 0; k < size; ++k) {
-        i = (i + 1) & 0xFF;
-        j = (j + s[i]) & 0xFF;
-        std::swap(s[i], s[j]);
-        data[k] ^= s[(s[i] + s[j]) & 0xFF];
-    }
+    detail::Rc4(key.data(), key.size(), data, size);
 }
 
 // A local object for one call: the key lives as long as it does.
