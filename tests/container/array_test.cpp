@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tracked.h"
+
 #include "qor/tools/container/sptr.h"
 #include "qor/tools/string.h"
 
@@ -9,14 +11,7 @@ using namespace qor::tools;
 using namespace qor::tools::container;
 
 namespace {
-struct tracked {
-    tracked() = default;
-    explicit tracked(int *alive) : mAlive(alive) { ++*mAlive; }
-    tracked(tracked const &o) : mAlive(o.mAlive) { if (mAlive) ++*mAlive; }
-    ~tracked() { if (mAlive) --*mAlive; }
-    int *mAlive = nullptr;
-    bool operator==(tracked const &o) const { return mAlive == o.mAlive; }
-};
+using qor::tools::testing::tracked;
 }  // namespace
 
 TEST(ArrayGrowth, StepsNotDoubling) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tracked.h"
+
 #include <algorithm>
 #include <map>
 #include <random>
@@ -14,11 +16,7 @@ using namespace qor::tools::container;
 
 namespace {
 
-struct tracked {
-    explicit tracked(int *alive) : mAlive(alive) { ++*mAlive; }
-    ~tracked() { --*mAlive; }
-    int *mAlive;
-};
+using qor::tools::testing::tracked;
 
 using tree = hash<string, int, pif::none, 2>;
 

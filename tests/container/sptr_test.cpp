@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tracked.h"
+
 #include "qor/tools/algorithm/singleton.h"
 #include "qor/tools/container/ptr.h"
 #include "counted_unknown.h"
@@ -11,11 +13,7 @@ using namespace qor::tools::container;
 
 namespace {
 
-struct tracked {
-    explicit tracked(int *alive) : mAlive(alive) { ++*mAlive; }
-    ~tracked() { --*mAlive; }
-    int *mAlive;
-};
+using qor::tools::testing::tracked;
 
 
 }  // namespace
