@@ -16,7 +16,7 @@ void PutUtf16(char32_t c, std::u16string &out) {
 
 }  // namespace
 
-void Utf8ToUtf16(char const *s, std::size_t n, std::u16string &out) {
+void Utf8ToUtf16(char const *s, std::size_t n, std::u16string &out, ill_formed mode) {
     auto const *p = reinterpret_cast<unsigned char const *>(s);
     out.reserve(out.size() + n);
     std::size_t i = 0;
@@ -41,7 +41,7 @@ void Utf8ToUtf16(char const *s, std::size_t n, std::u16string &out) {
             if (b == 0xF4) high = 0x8F;
         }
         if (length == 0) {
-            out.push_back(0xFFFD);
+            out.push_back(mode == ill_formed::escape ? char16_t(0xDC00 + b) : char16_t(0xFFFD));
             ++i;
             continue;
         }
@@ -55,6 +55,8 @@ void Utf8ToUtf16(char const *s, std::size_t n, std::u16string &out) {
         }
         if (k == std::size_t(length)) {
             PutUtf16(c, out);
+        } else if (mode == ill_formed::escape) {
+            for (std::size_t j = 0; j < k; ++j) out.push_back(char16_t(0xDC00 + p[i + j]));
         } else {
             out.push_back(0xFFFD);
         }
@@ -62,12 +64,15 @@ void Utf8ToUtf16(char const *s, std::size_t n, std::u16string &out) {
     }
 }
 
-void Utf16ToUtf8(char16_t const *s, std::size_t n, std::string &out) {
+void Utf16ToUtf8(char16_t const *s, std::size_t n, std::string &out, ill_formed mode) {
     out.reserve(out.size() + n * 3);
     for (std::size_t i = 0; i < n; ++i) {
         char32_t c = s[i];
         if (c >= 0xD800 && c <= 0xDBFF && i + 1 < n && s[i + 1] >= 0xDC00 && s[i + 1] <= 0xDFFF) {
             c = 0x10000 + ((c - 0xD800) << 10) + (s[++i] - 0xDC00);
+        } else if (mode == ill_formed::escape && c >= 0xDC80 && c <= 0xDCFF) {
+            out.push_back(char(c - 0xDC00));
+            continue;
         } else if (c >= 0xD800 && c <= 0xDFFF) {
             c = 0xFFFD;
         }

@@ -1,5 +1,11 @@
 // UTF-8 <-> UTF-16 as the platform's code page 65001 converts: ill-formed
 // input (bytes, or unpaired surrogates) becomes U+FFFD per maximal subpart.
+//
+// File names are the exception: Linux names are bytes, and a name that is not
+// UTF-8 must still be found again from its UTF-16 form. With `escape`, each
+// byte of an ill-formed sequence becomes the lone low surrogate U+DC00 + byte,
+// and the way back turns U+DC80..U+DCFF into that byte again, so that every
+// name survives the round trip exactly.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +13,9 @@
 
 namespace qor::tools::detail {
 
-void Utf8ToUtf16(char const *s, std::size_t n, std::u16string &out);
-void Utf16ToUtf8(char16_t const *s, std::size_t n, std::string &out);
+enum class ill_formed { replace, escape };
+
+void Utf8ToUtf16(char const *s, std::size_t n, std::u16string &out, ill_formed mode = ill_formed::replace);
+void Utf16ToUtf8(char16_t const *s, std::size_t n, std::string &out, ill_formed mode = ill_formed::replace);
 
 }  // namespace qor::tools::detail

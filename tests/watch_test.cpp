@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "qor/tools/platform/notice.h"
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 using namespace qor::tools;
 

@@ -1,14 +1,11 @@
 #include "qor/tools/file/crypto.h"
 
-#include <openssl/evp.h>
-#include <openssl/provider.h>
-
 #include <atomic>
 #include <cstring>
-#include <string>
+#include <vector>
 
+#include "platform/cipher.h"
 #include "platform/file_io.h"
-#include "rc4.h"
 
 namespace qor::tools::file {
 
@@ -16,35 +13,46 @@ namespace {
 
 std::atomic<Crypto::keylength> gKeyLength{Crypto::keylength::rc4_128};
 
-// OpenSSL's RC4 lives in its legacy provider, loaded into a library context of
-// our own so that the application's default context is left as it is.
-EVP_CIPHER *OpenSslRc4() {
-    static EVP_CIPHER *cipher = [] {
-        OSSL_LIB_CTX *context = OSSL_LIB_CTX_new();
-        if (!context || !OSSL_PROVIDER_load(context, "legacy")) return static_cast<EVP_CIPHER *>(nullptr);
-        return EVP_CIPHER_fetch(context, "RC4", nullptr);
-    }();
-    return cipher;
-}
+// The file is enciphered and written a piece at a time through one reused
+// buffer, so that a large file never needs a second copy in memory.
+constexpr std::size_t kPiece = std::size_t(1) << 20;
 
-bool Rc4WithOpenSsl(std::array<unsigned char, 16> const &key, unsigned char *data, std::size_t size) {
-    EVP_CIPHER *cipher = OpenSslRc4();
-    if (!cipher) return false;
-    EVP_CIPHER_CTX *context = EVP_CIPHER_CTX_new();
-    bool ok = context && EVP_EncryptInit_ex(context, cipher, nullptr, key.data(), nullptr);
-    for (std::size_t done = 0; ok && done < size;) {
-        int chunk = int(size - done < (1u << 30) ? size - done : (1u << 30)), written = 0;
-        ok = EVP_EncryptUpdate(context, data + done, &written, data + done, chunk) && written == chunk;
-        done += std::size_t(chunk);
+using key = std::array<unsigned char, 16>;
+
+bool EncryptBytes(key const &k, char16_t const *path, unsigned char const *data, std::size_t size) {
+    platform::rc4_stream cipher(k);
+    // The file goes through a temporary file and a rename: a write that fails
+    // leaves the old file whole. Whether it could be written is not part of
+    // the answer, only whether the bytes could be enciphered.
+    platform::replacement_file out;
+    bool writing = out.Open(path);
+    std::vector<unsigned char> piece(size < kPiece ? size : kPiece);
+    for (std::size_t done = 0; done < size; done += kPiece) {
+        std::size_t n = size - done < kPiece ? size - done : kPiece;
+        if (!cipher.Apply(data + done, piece.data(), n)) return false;
+        writing = writing && out.Write(piece.data(), n);
     }
-    EVP_CIPHER_CTX_free(context);
-    return ok;
+    if (writing) out.Commit();
+    return true;
 }
 
-// RC4 over `size` bytes in place, the key stream starting afresh.
-void Rc4(std::array<unsigned char, 16> const &key, unsigned char *data, std::size_t size) {
-    if (size > 0 && Rc4WithOpenSsl(key, data, size)) return;
-    detail::Rc4(key.data(), key.size(), data, size);
+// Deciphers the file into the room that `reserve(size)` gives for the file's
+// `size` bytes: a pointer and how many of the bytes it takes.
+template <typename Reserve>
+bool DecryptInto(key const &k, char16_t const *path, Reserve &&reserve) {
+    platform::input_file in;
+    if (!in.Open(path)) return false;
+    std::size_t size = std::uint32_t(in.Size());  // the low 32 bits, as GetFileSize gives them
+    auto [data, wanted] = reserve(size);
+    platform::rc4_stream cipher(k);
+    for (std::size_t done = 0; done < wanted; done += kPiece) {
+        std::size_t n = wanted - done < kPiece ? wanted - done : kPiece;
+        std::int64_t read = in.Read(data + done, n, std::int64_t(done));
+        if (read < 0) return false;
+        if (std::size_t(read) < n) std::memset(data + done + read, 0, n - std::size_t(read));
+        if (!cipher.Apply(data + done, data + done, n)) return false;
+    }
+    return true;
 }
 
 // A local object for one call: the key lives as long as it does.
@@ -53,6 +61,7 @@ public:
     using Crypto::_Decrypt;
     using Crypto::_Encrypt;
     using Crypto::_Initialize;
+    key const &Key() const noexcept { return mKey; }
 };
 
 }  // namespace
@@ -61,18 +70,17 @@ void Crypto::KeyLength(keylength length) noexcept { gKeyLength = length; }
 Crypto::keylength Crypto::KeyLength() noexcept { return gKeyLength; }
 
 bool Crypto::_Initialize(string const &password) {
-    unsigned char digest[EVP_MAX_MD_SIZE];
-    unsigned int length = 0;
     int units = password.Length();
-    std::string bytes(std::size_t(units) * 2, '\0');
+    std::vector<unsigned char> bytes(std::size_t(units) * 2);
     for (int i = 0; i < units; ++i) {
-        bytes[std::size_t(i) * 2] = char(password[i] & 0xFF);
-        bytes[std::size_t(i) * 2 + 1] = char(password[i] >> 8);
+        bytes[std::size_t(i) * 2] = static_cast<unsigned char>(password[i] & 0xFF);
+        bytes[std::size_t(i) * 2 + 1] = static_cast<unsigned char>(password[i] >> 8);
     }
-    if (!EVP_Digest(bytes.data(), bytes.size(), digest, &length, EVP_sha1(), nullptr) || length < 16) return false;
+    std::array<unsigned char, 20> digest{};
+    if (!platform::Sha1(bytes.data(), bytes.size(), digest)) return false;
     mKey.fill(0);
     std::size_t keep = gKeyLength == keylength::rc4_40 ? 5 : 16;
-    std::memcpy(mKey.data(), digest, keep);
+    std::memcpy(mKey.data(), digest.data(), keep);
     mProvider = true;
     return true;
 }
@@ -83,26 +91,15 @@ void Crypto::_Terminate() {
 }
 
 bool Crypto::_Encrypt(char16_t const *path, container::buffer const &data) {
-    int size = data.Size() > 0 ? data.Size() : 0;
-    std::string copy(std::size_t(size), '\0');
-    if (size) std::memcpy(copy.data(), data.Data(), std::size_t(size));
-    Rc4(mKey, reinterpret_cast<unsigned char *>(copy.data()), copy.size());
-    // Whether the file could be written is not part of the answer.
-    platform::output_file out;
-    if (out.Open(path)) out.Write(copy.data(), copy.size());
-    return true;
+    std::size_t size = data.Size() > 0 ? std::size_t(data.Size()) : 0;
+    return EncryptBytes(mKey, path, data.Data(), size);
 }
 
 bool Crypto::_Decrypt(char16_t const *path, container::buffer &data) {
-    std::string bytes;
-    if (!platform::ReadFile(path, bytes)) return false;
-    int size = int(std::uint32_t(bytes.size()));
-    if (size != data.Size()) data.Size(size, false);
-    if (size > 0) {
-        std::memcpy(data.Data(), bytes.data(), std::size_t(size));
-        Rc4(mKey, data.Data(), std::size_t(size));
-    }
-    return true;
+    return DecryptInto(mKey, path, [&](std::size_t size) {
+        if (int(size) != data.Size()) data.Size(int(size), false);
+        return std::pair(data.Data(), size);
+    });
 }
 
 bool Crypto::Encrypt(char16_t const *password, char16_t const *path, container::buffer const &data) {
@@ -112,9 +109,10 @@ bool Crypto::Encrypt(char16_t const *password, char16_t const *path, container::
 }
 
 bool Crypto::Encrypt(char16_t const *password, char16_t const *path, string const &text) {
-    container::buffer data;
-    data.Copy(text.Safe(), text.Length() * 2);
-    return Encrypt(password, path, data);
+    session s;
+    if (!s._Initialize(string(password))) return false;
+    auto const *bytes = reinterpret_cast<unsigned char const *>(text.Safe());
+    return EncryptBytes(s.Key(), path, bytes, std::size_t(text.Length()) * sizeof(char16_t));
 }
 
 bool Crypto::Decrypt(char16_t const *password, char16_t const *path, container::buffer &data) {
@@ -124,9 +122,21 @@ bool Crypto::Decrypt(char16_t const *password, char16_t const *path, container::
 }
 
 bool Crypto::Decrypt(char16_t const *password, char16_t const *path, string &text) {
-    container::buffer data;
-    if (!Decrypt(password, path, data)) return false;
-    text = string(reinterpret_cast<char16_t const *>(data.Data()), data.Size() / 2);
+    session s;
+    if (!s._Initialize(string(password))) return false;
+    // Deciphered straight into the new text's block; an odd last byte is dropped.
+    string result;
+    int units = 0;
+    bool ok = DecryptInto(s.Key(), path, [&](std::size_t size) {
+        units = int(size / 2);
+        char16_t *area = result.Area(units);
+        if (area) area[units] = 0;
+        return std::pair(reinterpret_cast<unsigned char *>(area), std::size_t(units) * sizeof(char16_t));
+    });
+    if (!ok) return false;
+    // A text ends at its first NUL, and its block fits it exactly.
+    int length = string::Length(result.Safe());
+    text = length == units ? result : string(result.Safe(), length);
     return true;
 }
 

@@ -27,6 +27,7 @@ bool CryptoXml::Save(char16_t const *path) {
     if (path) mPath = path;
     try {
         string text = _Text();
+        if (text.IsEmpty()) return false;  // no root element: the file would not load again
         _ClearReadOnly(mPath);
         return Crypto::Encrypt(mPassword, mPath, text);
     } catch (...) {

@@ -45,20 +45,20 @@ void csv::Load(char16_t const *path) {
     _Clear();
     std::string bytes;
     if (!platform::ReadFile(path, bytes)) throw exception(u"csv::LoadError <%s>", path);
-    // Lines end at LF; a CR right before it belongs to the line end.
     std::u16string text;
+    platform::DecodeLocale(bytes.data(), bytes.size(), text);
+    bytes = std::string();
+    // Lines end at LF; a CR right before it belongs to the line end.
     std::vector<span> lines;
-    for (std::size_t at = 0; at < bytes.size();) {
-        std::size_t end = bytes.find('\n', at);
-        std::size_t next = end == std::string::npos ? bytes.size() : end + 1;
-        if (end == std::string::npos) {
-            end = bytes.size();
-        } else if (end > at && bytes[end - 1] == '\r') {
+    for (std::size_t at = 0; at < text.size();) {
+        std::size_t end = text.find(u'\n', at);
+        std::size_t next = end == std::u16string::npos ? text.size() : end + 1;
+        if (end == std::u16string::npos) {
+            end = text.size();
+        } else if (end > at && text[end - 1] == u'\r') {
             --end;
         }
-        std::size_t from = text.size();
-        platform::LocaleToUtf16(bytes.data() + at, end - at, text);
-        lines.push_back({from, int(text.size() - from)});
+        lines.push_back({at, int(end - at)});
         at = next;
     }
     _Fill(text, lines);

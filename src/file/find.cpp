@@ -1,6 +1,7 @@
 #include "qor/tools/file/find.h"
 
 #include "platform/file_system.h"
+#include "platform/folder_search.h"
 
 namespace qor::tools::file {
 

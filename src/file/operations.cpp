@@ -1,6 +1,7 @@
 #include "qor/tools/file/operations.h"
 
 #include "platform/file_system.h"
+#include "platform/shell.h"
 #include "qor/tools/container/array.h"
 #include "qor/tools/exception.h"
 #include "qor/tools/file/find.h"
@@ -13,12 +14,20 @@ namespace {
 
 bool IsFolder(char16_t const *path) { return path && platform::IsDirectory(path); }
 
+// A folder that is not reached through a symbolic link: a link is handled as
+// the entry it is and never followed.
+bool IsRealFolder(char16_t const *path) { return IsFolder(path) && !platform::IsLink(path); }
+
 // The common first steps of Move and _CopyFile.
 void CheckSource(char16_t const *from, char16_t const *to, bool overwrite, char16_t const *failure) {
-    if (!from || !platform::Exists(from) || IsFolder(from)) Fail(failure);
+    if (!from || !platform::Exists(from) || IsRealFolder(from)) Fail(failure);
     if (overwrite) _ClearReadOnly(to);
-    if (!overwrite && to && platform::Exists(to) && !IsFolder(to)) Fail(failure);
+    if (!overwrite && to && platform::Exists(to) && !IsRealFolder(to)) Fail(failure);
 }
+
+// A network path (//server/share or \\server\share) names no folder that can
+// be made here.
+bool IsNetworkPath(string const &normalized) { return normalized.Compare(u"//", 2) == 0; }
 
 struct removal {
     bool mForce;
@@ -36,6 +45,12 @@ struct copying {
         return target;
     }
 };
+
+// Copies the tree and removes the source: a move that a rename cannot do.
+void CopyAndRemove(char16_t const *from, char16_t const *to, bool overwrite) {
+    CopyFolder(from, to, overwrite, true);
+    RemoveFolder(from, overwrite);
+}
 
 }  // namespace
 
@@ -56,7 +71,7 @@ void _CopyFile(char16_t const *from, char16_t const *to, bool overwrite) {
 }
 
 void _RemoveFile(char16_t const *path, bool force) {
-    if (!path || !platform::Exists(path) || IsFolder(path)) return;
+    if (!path || !platform::Exists(path) || IsRealFolder(path)) return;
     if (force) _ClearReadOnly(path);
     // A read-only file stays where it is unless forced, as on the original platform.
     DWORD attributes = 0;
@@ -81,6 +96,7 @@ string _DriveOf(char16_t const *path) {
 void CreateFolder(char16_t const *path) {
     if (IsFolder(path)) return;
     string p = _NormalizePath(path);
+    if (IsNetworkPath(p)) Fail(u"file CreateDirectory");
     string d = _DriveOf(p);
     if (!d.IsEmpty()) p = p.Mid(2);
     auto parts = p.Tokenize(u"/");
@@ -110,9 +126,13 @@ void RemoveFolder(char16_t const *path, bool force) {
     if (!IsFolder(path)) return;
     removal context{force, container::array<string>()};
     context.mFolders.Add(string(path));
+    // A read-only folder keeps its entries: with force, each folder is made
+    // writable before the walk goes into it.
+    if (force) _ClearReadOnly(path);
     _Walk(path, &context, [](void *c, find &entry) {
         auto *r = static_cast<removal *>(c);
         if (entry.IsDirectory()) {
+            if (r->mForce) _ClearReadOnly(entry.FilePath());
             r->mFolders.Add(entry.FilePath());
         } else {
             _RemoveFile(entry.FilePath(), r->mForce);
@@ -134,6 +154,8 @@ void RenameFolder(char16_t const *from, char16_t const *to, bool force) {
 
 void CopyFolder(char16_t const *from, char16_t const *to, bool overwrite, bool attributes) {
     if (!IsFolder(from)) return;
+    // A copy into its own subfolder would copy itself again and again.
+    if (platform::IsWithin(to, from)) Fail(u"file CreateDirectory");
     CreateFolder(to);
     copying context{string(from), string(to), overwrite, container::array<string>()};
     _Walk(from, &context, [](void *c, find &entry) {
@@ -156,9 +178,9 @@ void CopyFolder(char16_t const *from, char16_t const *to, bool overwrite, bool a
 void MoveFolder(char16_t const *from, char16_t const *to, bool overwrite) {
     if (!IsFolder(from)) Fail(u"file MoveFileEx");
     if (overwrite) _ClearReadOnly(to);
-    if (_DriveOf(from).CompareNoCase(_DriveOf(to)) != 0 || IsFolder(to)) {
-        CopyFolder(from, to, overwrite, true);
-        RemoveFolder(from, overwrite);
+    bool otherDrive = _DriveOf(from).CompareNoCase(_DriveOf(to)) != 0;
+    if (otherDrive || IsFolder(to) || !platform::SameFileSystem(from, to)) {
+        CopyAndRemove(from, to, overwrite);
         return;
     }
     if (!platform::MoveFile(from, to, overwrite)) Fail(u"file MoveFileEx");
@@ -166,34 +188,45 @@ void MoveFolder(char16_t const *from, char16_t const *to, bool overwrite) {
 
 void CopyAttribute(char16_t const *from, char16_t const *to) {
     DWORD attributes = 0;
-    if (!platform::GetAttributes(from, attributes)) Fail(u"file FileAttributes");
+    if (!platform::GetAttributes(from, attributes) || !platform::SetAttributes(to, attributes)) {
+        Fail(u"file FileAttributes");
+    }
     FILETIME creation{}, access{}, write{};
-    if (!platform::GetTimes(from, creation, access, write)) Fail(u"file FileAttributes");
-    if (!platform::Exists(to)) Fail(u"file FileAttributes");
-    // The times first: a read-only target still takes them.
-    if (!platform::SetTimes(to, access, write)) Fail(u"file CreateFile");
-    if (!platform::SetAttributes(to, attributes)) Fail(u"file FileAttributes");
+    // The target is opened for writing next: a file that is read-only by now
+    // cannot be, as on the original platform; a folder can.
+    DWORD now = 0;
+    if (!platform::GetAttributes(to, now) || ((now & FILE_ATTRIBUTE_READONLY) && !(now & FILE_ATTRIBUTE_DIRECTORY))) {
+        Fail(u"file CreateFile");
+    }
+    if (platform::GetTimes(from, creation, access, write)) platform::SetTimes(to, access, write);
 }
 
 void TrashBox(int operation, char16_t const *from, char16_t const *to) {
     bool ok = false;
-    switch (operation) {
-        case FO_DELETE: ok = from && *from && platform::Trash(_NormalizePath(from)); break;
-        case FO_MOVE:
-        case FO_RENAME: ok = from && to && platform::Rename(from, to); break;
-        case FO_COPY:
-            if (IsFolder(from)) {
-                try {
+    try {
+        switch (operation) {
+            case FO_DELETE: ok = from && *from && platform::Trash(_NormalizePath(from)); break;
+            case FO_MOVE:
+                if (IsRealFolder(from) && to && !platform::SameFileSystem(from, to)) {
+                    CopyAndRemove(from, to, true);
+                    ok = true;
+                } else {
+                    ok = from && to && platform::MoveFile(from, to, true);
+                }
+                break;
+            case FO_RENAME: ok = from && to && platform::Rename(from, to); break;
+            case FO_COPY:
+                if (IsRealFolder(from)) {
                     CopyFolder(from, to, true, true);
                     ok = true;
-                } catch (exception const &) {
-                    ok = false;
+                } else {
+                    ok = from && to && platform::CopyFile(from, to, false);
                 }
-            } else {
-                ok = from && to && platform::CopyFile(from, to, false);
-            }
-            break;
-        default: break;
+                break;
+            default: break;
+        }
+    } catch (exception const &) {
+        ok = false;
     }
     if (!ok) Fail(u"file SHFileOperation");
 }

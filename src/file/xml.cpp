@@ -1,15 +1,9 @@
 #include "qor/tools/file/xml.h"
 
-#include <libxml/parser.h>
-#include <libxml/tree.h>
-#include <libxml/xmlerror.h>
-#include <libxml/xpath.h>
-
-#include <cstdio>
 #include <string>
-#include <vector>
 
 #include "platform/file_io.h"
+#include "platform/xml_document.h"
 #include "qor/tools/exception.h"
 #include "qor/tools/file/operations.h"
 #include "qor/tools/platform/types.h"
@@ -20,48 +14,13 @@ namespace qor::tools::file {
 
 namespace {
 
-constexpr int kParseOptions = XML_PARSE_NOBLANKS | XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING |
-                              XML_PARSE_NODICT;
-
-void Silent(void *, char const *, ...) {}
-void SilentStructured(void *, xmlErrorPtr) {}
-
-// libxml2 is initialised once, and its error reports are silenced per thread.
-void Quiet() {
-    static bool initialised = [] {
-        xmlInitParser();
-        return true;
-    }();
-    (void)initialised;
-    xmlSetGenericErrorFunc(nullptr, Silent);
-    xmlSetStructuredErrorFunc(nullptr, SilentStructured);
-}
-
-std::string Utf8(char16_t const *s) {
-    std::string out;
-    if (s) detail::Utf16ToUtf8(s, std::size_t(string::Length(s)), out);
-    return out;
-}
-
-string Wide(xmlChar const *s) {
-    if (!s) return string();
-    std::u16string out;
-    auto const *p = reinterpret_cast<char const *>(s);
-    detail::Utf8ToUtf16(p, std::char_traits<char>::length(p), out);
-    return string(out.c_str());
-}
-
-xmlChar const *X(std::string const &s) { return reinterpret_cast<xmlChar const *>(s.c_str()); }
-
-xmlNodePtr Node(void *p) { return static_cast<xmlNodePtr>(p); }
-
 bool IsSpace(char16_t c) { return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n'; }
 
-string Trim(string const &s) {
-    int n = s.Length(), first = 0, last = n;
-    while (first < n && IsSpace(s[first])) ++first;
+string Trim(std::u16string const &s) {
+    std::size_t first = 0, last = s.size();
+    while (first < last && IsSpace(s[first])) ++first;
     while (last > first && IsSpace(s[last - 1])) --last;
-    return s.Mid(first, last - first);
+    return string(std::u16string_view(s).substr(first, last - first));
 }
 
 [[noreturn]] void RaisePointer() { throw exception(int(E_POINTER), u"xml E_POINTER"); }
@@ -70,7 +29,6 @@ string Trim(string const &s) {
 template <typename F>
 bool Guard(F &&f) noexcept {
     try {
-        Quiet();
         return f();
     } catch (...) {
         return false;
@@ -79,41 +37,46 @@ bool Guard(F &&f) noexcept {
 
 }  // namespace
 
-// The document with everything that must outlive a change of it: nodes taken
-// out of the tree (a cursor may still stand on them) and replaced documents.
-struct xml::document {
-    document() : mDoc(xmlNewDoc(BAD_CAST "1.0")) {}
-    document(document const &) = delete;
-    document &operator=(document const &) = delete;
-    ~document() {
-        for (xmlNodePtr n : mRemoved) xmlFreeNode(n);
-        for (xmlDocPtr d : mRetired) xmlFreeDoc(d);
-        xmlFreeDoc(mDoc);
-    }
-    void Replace(xmlDocPtr doc) {
-        mRetired.push_back(mDoc);
-        mDoc = doc;
-    }
-    void Remove(xmlNodePtr n) {
-        xmlUnlinkNode(n);
-        mRemoved.push_back(n);
-    }
-
-    xmlDocPtr mDoc;
-    std::vector<xmlDocPtr> mRetired;
-    std::vector<xmlNodePtr> mRemoved;
-};
-
 xml::xml() = default;
 
 xml::xml(char16_t const *path) { xml::Load(path); }
 
-xml::~xml() = default;
+xml::xml(xml const &other)
+    : mPath(other.mPath), mCurrentNode(other.mCurrentNode), mBackupNode(other.mBackupNode), mModified(other.mModified) {
+    _Share(other.mDocument);
+}
+
+xml &xml::operator=(xml const &other) {
+    if (this == &other) return *this;
+    mPath = other.mPath;
+    mModified = other.mModified;
+    // The cursors change first: the old document may free what they held.
+    mCurrentNode = other.mCurrentNode;
+    mBackupNode = other.mBackupNode;
+    if (mDocument != other.mDocument) _Share(other.mDocument);
+    return *this;
+}
+
+xml::~xml() {
+    mCurrentNode = mBackupNode = nullptr;
+    _Share(nullptr);
+}
+
+void xml::_Share(std::shared_ptr<platform::xml_document> const &document) {
+    if (mDocument) {
+        mDocument->Detach(&mCurrentNode);
+        mDocument->Detach(&mBackupNode);
+    }
+    mDocument = document;
+    if (mDocument) {
+        mDocument->Attach(&mCurrentNode);
+        mDocument->Attach(&mBackupNode);
+    }
+}
 
 bool xml::Initialize() {
-    Quiet();
-    if (!mDocument) mDocument = std::make_shared<document>();
-    return mDocument && mDocument->mDoc;
+    if (!mDocument) _Share(std::make_shared<platform::xml_document>());
+    return mDocument != nullptr;
 }
 
 bool xml::Load(char16_t const *path) {
@@ -121,32 +84,26 @@ bool xml::Load(char16_t const *path) {
     return Guard([&] {
         Initialize();
         std::string bytes;
-        xmlDocPtr doc = nullptr;
-        if (platform::ReadFile(path, bytes)) doc = xmlReadMemory(bytes.data(), int(bytes.size()), nullptr, nullptr, kParseOptions);
-        mDocument->Replace(doc ? doc : xmlNewDoc(BAD_CAST "1.0"));
-        return doc != nullptr;
+        bool read = platform::ReadFile(path, bytes);
+        return mDocument->Parse(read ? bytes : std::string()) && read;
     });
 }
 
 bool xml::_LoadText(char16_t const *text) {
     return Guard([&] {
         Initialize();
-        std::string bytes = Utf8(text);
-        xmlDocPtr doc = xmlReadMemory(bytes.data(), int(bytes.size()), nullptr, "UTF-8", kParseOptions);
-        if (!doc) return false;
-        mDocument->Replace(doc);
-        return true;
+        std::string bytes;
+        if (text) detail::Utf16ToUtf8(text, std::size_t(string::Length(text)), bytes);
+        return mDocument->Parse(bytes, "UTF-8");
     });
 }
 
 string xml::_Text() const {
     if (!mDocument) RaisePointer();
-    xmlChar *memory = nullptr;
-    int size = 0;
-    xmlDocDumpMemoryEnc(mDocument->mDoc, &memory, &size, "UTF-8");
-    string text = Wide(memory);
-    xmlFree(memory);
-    return text;
+    std::string bytes = mDocument->Serialize(false);
+    std::u16string text;
+    detail::Utf8ToUtf16(bytes.data(), bytes.size(), text);
+    return string(text);
 }
 
 bool xml::Save(char16_t const *path) {
@@ -155,20 +112,10 @@ bool xml::Save(char16_t const *path) {
     bool saved = Guard([&] {
         _ClearReadOnly(mPath);
         if (!mDocument) return false;
-        xmlChar *memory = nullptr;
-        int size = 0;
-        xmlDocDumpFormatMemoryEnc(mDocument->mDoc, &memory, &size, "UTF-8", 1);
-        if (!memory) return false;
-        // Written beside the target and renamed over it: a failure leaves the old file whole.
-        std::string target = platform::PathBytes(mPath);
-        std::string temporary = target + ".qor-saving";
-        std::u16string wideTemporary = Wide(BAD_CAST temporary.c_str()).Safe();
-        platform::output_file out;
-        bool ok = out.Open(wideTemporary.c_str()) && out.Write(memory, std::size_t(size)) && out.Close();
-        xmlFree(memory);
-        if (ok) ok = std::rename(temporary.c_str(), target.c_str()) == 0;
-        if (!ok) std::remove(temporary.c_str());
-        return ok;
+        std::string text = mDocument->Serialize(true);
+        if (text.empty()) return false;  // no root element: the file would not load again
+        platform::replacement_file out;
+        return out.Open(mPath) && out.Write(text.data(), text.size()) && out.Commit();
     });
     mModified = !saved;
     return saved;
@@ -181,15 +128,7 @@ bool xml::SelectNode(char16_t const *query) {
     return Guard([&] {
         if (!mDocument) return false;
         mCurrentNode = nullptr;
-        xmlXPathContextPtr context = xmlXPathNewContext(mDocument->mDoc);
-        if (!context) return false;
-        context->node = reinterpret_cast<xmlNodePtr>(mDocument->mDoc);
-        xmlXPathObjectPtr result = xmlXPathEvalExpression(X(Utf8(query)), context);
-        if (result && result->type == XPATH_NODESET && result->nodesetval && result->nodesetval->nodeNr > 0) {
-            mCurrentNode = result->nodesetval->nodeTab[0];
-        }
-        xmlXPathFreeObject(result);
-        xmlXPathFreeContext(context);
+        mCurrentNode = mDocument->Select(query);
         return mCurrentNode != nullptr;
     });
 }
@@ -200,28 +139,19 @@ bool xml::_Move(void *target) {
     return true;
 }
 
-bool xml::MoveParentNode() { return mCurrentNode && _Move(Node(mCurrentNode)->parent); }
-bool xml::MoveFirstChild() { return mCurrentNode && _Move(Node(mCurrentNode)->children); }
-bool xml::MoveLastChild() { return mCurrentNode && _Move(Node(mCurrentNode)->last); }
-bool xml::MovePreviousSibling() { return mCurrentNode && _Move(Node(mCurrentNode)->prev); }
-bool xml::MoveNextSibling() { return mCurrentNode && _Move(Node(mCurrentNode)->next); }
+bool xml::MoveParentNode() { return mCurrentNode && _Move(mDocument->Parent(mCurrentNode)); }
+bool xml::MoveFirstChild() { return mCurrentNode && _Move(mDocument->FirstChild(mCurrentNode)); }
+bool xml::MoveLastChild() { return mCurrentNode && _Move(mDocument->LastChild(mCurrentNode)); }
+bool xml::MovePreviousSibling() { return mCurrentNode && _Move(mDocument->Previous(mCurrentNode)); }
+bool xml::MoveNextSibling() { return mCurrentNode && _Move(mDocument->Next(mCurrentNode)); }
 
 // ---------------------------------------------------------------- reading
 
 bool xml::GetCurrentNodeElementName(string &name) {
     name.Empty();
     return Guard([&] {
-        xmlNodePtr n = Node(mCurrentNode);
-        if (!n) return false;
-        switch (n->type) {
-            case XML_DOCUMENT_NODE: name = u"#document"; break;
-            case XML_TEXT_NODE: name = u"#text"; break;
-            case XML_CDATA_SECTION_NODE: name = u"#cdata-section"; break;
-            case XML_COMMENT_NODE: name = u"#comment"; break;
-            default:
-                name = (n->ns && n->ns->prefix) ? Wide(n->ns->prefix) + u":" + Wide(n->name) : Wide(n->name);
-                break;
-        }
+        if (!mCurrentNode) return false;
+        name = mDocument->Name(mCurrentNode);
         return true;
     });
 }
@@ -229,11 +159,8 @@ bool xml::GetCurrentNodeElementName(string &name) {
 bool xml::GetCurrentNodeText(string &text) {
     text.Empty();
     return Guard([&] {
-        xmlNodePtr n = Node(mCurrentNode);
-        if (!n) return false;
-        xmlChar *content = xmlNodeGetContent(n);
-        text = Trim(Wide(content));
-        xmlFree(content);
+        if (!mCurrentNode) return false;
+        text = Trim(mDocument->Text(mCurrentNode));
         _Unescape(text);
         return true;
     });
@@ -242,13 +169,9 @@ bool xml::GetCurrentNodeText(string &text) {
 bool xml::GetCurrentNodeAttrValue(char16_t const *name, string &value) {
     value.Empty();
     return Guard([&] {
-        xmlNodePtr n = Node(mCurrentNode);
-        if (!n || n->type != XML_ELEMENT_NODE) return false;
-        std::string key = Utf8(name);
-        if (!xmlHasProp(n, X(key))) return false;
-        xmlChar *v = xmlGetProp(n, X(key));
-        value = Wide(v);
-        xmlFree(v);
+        std::u16string found;
+        if (!mCurrentNode || !mDocument->Attribute(mCurrentNode, name, found)) return false;
+        value = found;
         _Unescape(value);
         return true;
     });
@@ -286,18 +209,10 @@ bool xml::GetCurrentNodeAttrValue(char16_t const *name, float &value) {
 
 bool xml::SetCurrentNodeText(char16_t const *text) {
     return Guard([&] {
-        xmlNodePtr n = Node(mCurrentNode);
-        if (!n || !mDocument) return false;
+        if (!mCurrentNode) return false;
         string escaped(text);
         _Escape(escaped);
-        std::string bytes = Utf8(escaped.Safe());
-        if (n->type == XML_ELEMENT_NODE || n->type == XML_DOCUMENT_NODE) {
-            while (n->children) mDocument->Remove(n->children);
-            if (!bytes.empty()) xmlAddChild(n, xmlNewDocText(mDocument->mDoc, X(bytes)));
-        } else {
-            xmlNodeSetContent(n, nullptr);
-            xmlNodeAddContent(n, X(bytes));
-        }
+        if (!mDocument->SetText(mCurrentNode, escaped.Safe())) return false;
         mModified = true;
         return true;
     });
@@ -305,11 +220,10 @@ bool xml::SetCurrentNodeText(char16_t const *text) {
 
 bool xml::SetCurrentNodeAttrValue(char16_t const *name, char16_t const *value) {
     return Guard([&] {
-        xmlNodePtr n = Node(mCurrentNode);
-        if (!n || n->type != XML_ELEMENT_NODE) return false;
+        if (!mCurrentNode) return false;
         string escaped(value);
         _Escape(escaped);
-        if (!xmlSetProp(n, X(Utf8(name)), X(Utf8(escaped.Safe())))) return false;
+        if (!mDocument->SetAttribute(mCurrentNode, name, escaped.Safe())) return false;
         mModified = true;
         return true;
     });
@@ -348,17 +262,9 @@ void xml::Double(char16_t const *query, double value, int digits) {
 // ---------------------------------------------------------------- structure
 
 bool xml::CreateElementCurrent(char16_t const *name, char16_t const *text, bool move) {
-    Quiet();
-    xmlNodePtr parent = Node(mCurrentNode);
-    if (!mDocument || !parent) RaisePointer();
-    std::string tag = Utf8(name);
-    if (tag.empty() || xmlValidateName(X(tag), 0) != 0) return false;
-    if (parent->type == XML_DOCUMENT_NODE && xmlDocGetRootElement(mDocument->mDoc)) return false;
-    xmlNodePtr element = xmlNewDocNode(mDocument->mDoc, nullptr, X(tag), nullptr);
+    if (!mDocument || !mCurrentNode) RaisePointer();
+    void *element = mDocument->CreateElement(mCurrentNode, name, text);
     if (!element) return false;
-    xmlAddChild(parent, element);
-    std::string content = Utf8(text);
-    if (!content.empty()) xmlAddChild(element, xmlNewDocText(mDocument->mDoc, X(content)));
     if (move) mCurrentNode = element;
     mModified = true;
     return true;
@@ -370,11 +276,16 @@ bool xml::CreateElement(char16_t const *query, char16_t const *name, char16_t co
 }
 
 bool xml::RemoveCurrentElement() {
-    xmlNodePtr n = Node(mCurrentNode);
-    if (!mDocument || !n || !n->parent) RaisePointer();
-    xmlNodePtr parent = n->parent;
-    mDocument->Remove(n);
-    mCurrentNode = parent;
+    if (!mDocument || !mCurrentNode || !mDocument->Parent(mCurrentNode)) RaisePointer();
+    // The cursor moves first, so that the removed node is freed at once
+    // unless another cursor still stands in it.
+    void *removed = mCurrentNode;
+    mCurrentNode = mDocument->Parent(removed);
+    void *parent = mDocument->Remove(removed);
+    if (!parent) {
+        mCurrentNode = removed;
+        return false;
+    }
     mModified = true;
     return true;
 }

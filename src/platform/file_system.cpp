@@ -1,22 +1,15 @@
 #include "file_system.h"
 
-#include <dirent.h>
 #include <fcntl.h>
-#include <fnmatch.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
+#include <climits>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
-#include <mutex>
 
-#include <gio/gio.h>
-#include <gtk/gtk.h>
-
-#include "../utf8.h"
 #include "file_io.h"
 
 namespace qor::tools::platform {
@@ -38,6 +31,8 @@ timespec ToTimespec(FILETIME const &f) {
     return ts;
 }
 
+std::int64_t Nanoseconds(timespec const &t) { return std::int64_t(t.tv_sec) * 1000000000 + t.tv_nsec; }
+
 bool Stat(std::string const &path, struct statx &st) {
     return ::statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW,
                    STATX_TYPE | STATX_MODE | STATX_SIZE | STATX_ATIME | STATX_MTIME | STATX_BTIME, &st) == 0;
@@ -46,7 +41,7 @@ bool Stat(std::string const &path, struct statx &st) {
 DWORD Attributes(struct statx const &st, char const *name) {
     DWORD a = 0;
     if (S_ISDIR(st.stx_mode)) a |= FILE_ATTRIBUTE_DIRECTORY;
-    if (!(st.stx_mode & S_IWUSR)) a |= FILE_ATTRIBUTE_READONLY;
+    if (!S_ISLNK(st.stx_mode) && !(st.stx_mode & S_IWUSR)) a |= FILE_ATTRIBUTE_READONLY;
     if (name[0] == '.' && std::strcmp(name, ".") != 0 && std::strcmp(name, "..") != 0) a |= FILE_ATTRIBUTE_HIDDEN;
     if (a == 0) a = FILE_ATTRIBUTE_NORMAL;
     return a;
@@ -57,32 +52,85 @@ char const *BaseName(std::string const &path) {
     return slash == std::string::npos ? path.c_str() : path.c_str() + slash + 1;
 }
 
-std::u16string Wide(char const *s) {
-    std::u16string out;
-    detail::Utf8ToUtf16(s, std::strlen(s), out);
-    return out;
+// The device of a path, or of its nearest existing folder while it does not exist.
+bool DeviceOf(std::string path, dev_t &device) {
+    struct stat st {};
+    while (::lstat(path.c_str(), &st) != 0) {
+        if (path == "." || path == "/") return false;
+        std::size_t slash = path.find_last_of('/');
+        path = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
+    }
+    device = st.st_dev;
+    return true;
 }
 
-// The platform's wildcards: '*' and '?', without regard to ASCII case; "*.*"
-// and "*" are every entry.
-bool Matches(std::u16string const &mask, char16_t const *name) {
-    if (mask == u"*.*" || mask == u"*") return true;
-    std::string m, n;
-    detail::Utf16ToUtf8(mask.data(), mask.size(), m);
-    detail::Utf16ToUtf8(name, std::char_traits<char16_t>::length(name), n);
-    return ::fnmatch(m.c_str(), n.c_str(), FNM_CASEFOLD) == 0;
+// A link to anything but a regular file becomes a link again at `target`.
+bool CopyLink(std::string const &source, std::string const &target, bool replace) {
+    std::string text(PATH_MAX, '\0');
+    ssize_t n = ::readlink(source.c_str(), text.data(), text.size());
+    if (n <= 0 || std::size_t(n) >= text.size()) return false;
+    text.resize(std::size_t(n));
+    struct stat st {};
+    if (::lstat(target.c_str(), &st) == 0) {
+        if (!replace || S_ISDIR(st.st_mode) || ::unlink(target.c_str()) != 0) return false;
+    }
+    return ::symlink(text.c_str(), target.c_str()) == 0;
+}
+
+bool CopyBytes(int in, int out, std::int64_t size) {
+    std::int64_t done = 0;
+    while (done < size) {
+        ssize_t r = ::copy_file_range(in, nullptr, out, nullptr, std::size_t(size - done), 0);
+        if (r < 0 && errno == EINTR) continue;
+        if (r <= 0) break;
+        done += r;
+    }
+    if (done >= size) return true;
+    // Some file systems cannot copy in the kernel: read and write the rest.
+    static thread_local char chunk[1 << 16];
+    for (;;) {
+        ssize_t r = ::pread(in, chunk, sizeof chunk, off_t(done));
+        if (r < 0 && errno == EINTR) continue;
+        if (r < 0) return false;
+        if (r == 0) return true;
+        for (ssize_t written = 0; written < r;) {
+            ssize_t w = ::write(out, chunk + written, std::size_t(r - written));
+            if (w < 0 && errno == EINTR) continue;
+            if (w <= 0) return false;
+            written += w;
+        }
+        done += r;
+    }
 }
 
 }  // namespace
 
-bool Exists(char16_t const *path) {
+bool Describe(std::string const &path, char const *name, WIN32_FIND_DATAW &entry) {
     struct statx st {};
-    return path && Stat(PathBytes(path), st);
+    if (!Stat(path, st)) return false;
+    std::memset(&entry, 0, sizeof entry);
+    entry.dwFileAttributes = Attributes(st, name);
+    entry.ftCreationTime = ToFileTime((st.stx_mask & STATX_BTIME) ? st.stx_btime : st.stx_mtime);
+    entry.ftLastAccessTime = ToFileTime(st.stx_atime);
+    entry.ftLastWriteTime = ToFileTime(st.stx_mtime);
+    entry.nFileSizeHigh = DWORD(st.stx_size >> 32);
+    entry.nFileSizeLow = DWORD(st.stx_size & 0xFFFFFFFFu);
+    return true;
+}
+
+bool Exists(char16_t const *path) {
+    struct stat st {};
+    return path && ::lstat(PathBytes(path).c_str(), &st) == 0;
 }
 
 bool IsDirectory(char16_t const *path) {
     struct stat st {};
     return path && ::stat(PathBytes(path).c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+bool IsLink(char16_t const *path) {
+    struct stat st {};
+    return path && ::lstat(PathBytes(path).c_str(), &st) == 0 && S_ISLNK(st.st_mode);
 }
 
 bool GetAttributes(char16_t const *path, DWORD &attributes) {
@@ -96,10 +144,11 @@ bool GetAttributes(char16_t const *path, DWORD &attributes) {
 bool SetAttributes(char16_t const *path, DWORD attributes) {
     std::string p = PathBytes(path);
     struct stat st {};
-    if (!path || ::stat(p.c_str(), &st) != 0) return false;
+    if (!path || ::lstat(p.c_str(), &st) != 0) return false;
+    if (S_ISLNK(st.st_mode)) return true;  // a link has no permission bits of its own
     mode_t mode = st.st_mode & 07777;
     mode = (attributes & FILE_ATTRIBUTE_READONLY) ? mode & ~mode_t(S_IWUSR | S_IWGRP | S_IWOTH) : mode | S_IWUSR;
-    return ::chmod(p.c_str(), mode) == 0;
+    return mode == (st.st_mode & 07777) || ::chmod(p.c_str(), mode) == 0;
 }
 
 bool GetTimes(char16_t const *path, FILETIME &creation, FILETIME &access, FILETIME &write) {
@@ -113,30 +162,61 @@ bool GetTimes(char16_t const *path, FILETIME &creation, FILETIME &access, FILETI
 
 bool SetTimes(char16_t const *path, FILETIME const &access, FILETIME const &write) {
     timespec times[2] = {ToTimespec(access), ToTimespec(write)};
-    return path && ::utimensat(AT_FDCWD, PathBytes(path).c_str(), times, 0) == 0;
+    return path && ::utimensat(AT_FDCWD, PathBytes(path).c_str(), times, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+bool SameFileSystem(char16_t const *from, char16_t const *to) {
+    dev_t a = 0, b = 0;
+    return from && to && DeviceOf(PathBytes(from), a) && DeviceOf(PathBytes(to), b) && a == b;
+}
+
+bool IsWithin(char16_t const *path, char16_t const *folder) {
+    if (!path || !folder) return false;
+    std::error_code error;
+    std::string p = std::filesystem::weakly_canonical(PathBytes(path), error).string();
+    if (error) return false;
+    std::string f = std::filesystem::weakly_canonical(PathBytes(folder), error).string();
+    if (error || f.empty()) return false;
+    if (f.back() != '/') f += '/';
+    return p.size() > f.size() && p.compare(0, f.size(), f) == 0;
 }
 
 bool MoveFile(char16_t const *from, char16_t const *to, bool replace) {
+    if (!from || !to) return false;
     std::string f = PathBytes(from), t = PathBytes(to);
     if (!replace && Exists(to)) return false;
     if (::rename(f.c_str(), t.c_str()) == 0) return true;
     if (errno != EXDEV) return false;
-    // Another file system: copy, make sure it is on disk, then remove the source.
-    if (!CopyFile(from, to, !replace)) return false;
-    int fd = ::open(t.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd >= 0) {
-        ::fsync(fd);
-        ::close(fd);
-    }
-    return ::unlink(f.c_str()) == 0;
+    // Another file system: copy (times kept), then remove the source.
+    return CopyFile(from, to, !replace) && ::unlink(f.c_str()) == 0;
 }
 
 bool CopyFile(char16_t const *from, char16_t const *to, bool failIfExists) {
-    std::error_code error;
-    auto options = failIfExists ? std::filesystem::copy_options::none
-                                : std::filesystem::copy_options::overwrite_existing;
-    std::filesystem::copy_file(PathBytes(from), PathBytes(to), options, error);
-    return !error;
+    if (!from || !to) return false;
+    std::string source = PathBytes(from), target = PathBytes(to);
+    struct stat link {}, st {}, existing {};
+    if (::lstat(source.c_str(), &link) != 0) return false;
+    bool exists = ::lstat(target.c_str(), &existing) == 0;
+    if (exists && failIfExists) return false;
+    bool regular = ::stat(source.c_str(), &st) == 0 && S_ISREG(st.st_mode);
+    if (S_ISLNK(link.st_mode) && !regular) return CopyLink(source, target, exists);
+    if (!regular) return false;
+    if (::stat(target.c_str(), &existing) == 0 && existing.st_dev == st.st_dev && existing.st_ino == st.st_ino) {
+        return false;  // onto itself: the copy would truncate its own source
+    }
+    int in = ::open(source.c_str(), O_RDONLY | O_CLOEXEC);
+    if (in < 0) return false;
+    replacement_file out;
+    bool ok = out.Open(to);
+    if (ok) {
+        out.Mode(st.st_mode);
+        timespec now{};
+        ::clock_gettime(CLOCK_REALTIME, &now);
+        out.Times(Nanoseconds(now), Nanoseconds(st.st_mtim));
+        ok = CopyBytes(in, out.Descriptor(), st.st_size) && out.Commit();
+    }
+    ::close(in);
+    return ok;
 }
 
 bool CreateDirectory(char16_t const *path) { return path && ::mkdir(PathBytes(path).c_str(), 0777) == 0; }
@@ -149,103 +229,12 @@ bool Rename(char16_t const *from, char16_t const *to) {
     return from && to && ::rename(PathBytes(from).c_str(), PathBytes(to).c_str()) == 0;
 }
 
-bool Trash(char16_t const *path) {
-    if (!path) return false;
-    GFile *file = g_file_new_for_path(PathBytes(path).c_str());
-    GError *error = nullptr;
-    gboolean ok = g_file_trash(file, nullptr, &error);
-    if (error) g_error_free(error);
-    g_object_unref(file);
-    return ok;
-}
-
-namespace {
-std::mutex gChooserLock;
-std::function<void(void *)> gChooserHook;
-}  // namespace
-
-void SetFolderChooserHook(std::function<void(void *dialog)> hook) {
-    std::lock_guard lock(gChooserLock);
-    gChooserHook = std::move(hook);
-}
-
-std::u16string ChooseFolder(char16_t const *title, void *owner) {
-    if (!gtk_init_check(nullptr, nullptr)) return {};
-    std::string caption = PathBytes(title);
-    GtkWidget *dialog = gtk_file_chooser_dialog_new(caption.c_str(), owner ? GTK_WINDOW(owner) : nullptr,
-                                                    GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER, "_Cancel",
-                                                    GTK_RESPONSE_CANCEL, "_Select", GTK_RESPONSE_ACCEPT, nullptr);
-    std::function<void(void *)> hook;
-    {
-        std::lock_guard lock(gChooserLock);
-        hook = gChooserHook;
-    }
-    if (hook) hook(dialog);
-    std::u16string result;
-    if (gtk_dialog_run(GTK_DIALOG(dialog)) == GTK_RESPONSE_ACCEPT) {
-        if (char *name = gtk_file_chooser_get_filename(GTK_FILE_CHOOSER(dialog))) {
-            result = Wide(name);
-            g_free(name);
-        }
-    }
-    gtk_widget_destroy(dialog);
-    while (gtk_events_pending()) gtk_main_iteration();
-    return result;
-}
-
 bool FileTimeToLocal(FILETIME const &time, calendar &local) {
     timespec ts = ToTimespec(time);
     std::tm t{};
     if (!localtime_r(&ts.tv_sec, &t)) return false;
     local = {t.tm_year + 1900, t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec};
     return true;
-}
-
-// ---------------------------------------------------------------- folder search
-
-folder_search::~folder_search() { Close(); }
-
-void folder_search::Close() {
-    if (mDir) ::closedir(static_cast<DIR *>(mDir));
-    mDir = nullptr;
-}
-
-bool folder_search::First(char16_t const *pattern, WIN32_FIND_DATAW &entry) {
-    Close();
-    std::u16string p = pattern ? pattern : u"";
-    std::size_t slash = p.find_last_of(u"/\\");
-    std::u16string folder = slash == std::u16string::npos ? u"." : p.substr(0, slash + 1);
-    mMask = slash == std::u16string::npos ? p : p.substr(slash + 1);
-    mFolder = PathBytes(folder.c_str());
-    if (mFolder.empty()) mFolder = "/";
-    mDir = ::opendir(mFolder.c_str());
-    if (!mDir) return false;
-    if (_Fill(entry)) return true;
-    Close();
-    return false;
-}
-
-bool folder_search::Next(WIN32_FIND_DATAW &entry) { return mDir && _Fill(entry); }
-
-bool folder_search::_Fill(WIN32_FIND_DATAW &entry) {
-    while (dirent *d = ::readdir(static_cast<DIR *>(mDir))) {
-        std::u16string name = Wide(d->d_name);
-        if (!Matches(mMask, name.c_str())) continue;
-        std::string full = mFolder + (mFolder.back() == '/' ? "" : "/") + d->d_name;
-        struct statx st {};
-        if (!Stat(full, st)) continue;
-        std::memset(&entry, 0, sizeof entry);
-        entry.dwFileAttributes = Attributes(st, d->d_name);
-        entry.ftCreationTime = ToFileTime((st.stx_mask & STATX_BTIME) ? st.stx_btime : st.stx_mtime);
-        entry.ftLastAccessTime = ToFileTime(st.stx_atime);
-        entry.ftLastWriteTime = ToFileTime(st.stx_mtime);
-        entry.nFileSizeHigh = DWORD(st.stx_size >> 32);
-        entry.nFileSizeLow = DWORD(st.stx_size & 0xFFFFFFFFu);
-        std::size_t n = name.size() < 259 ? name.size() : 259;
-        std::memcpy(entry.cFileName, name.data(), n * sizeof(char16_t));
-        return true;
-    }
-    return false;
 }
 
 }  // namespace qor::tools::platform

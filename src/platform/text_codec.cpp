@@ -7,6 +7,8 @@
 #include <cstring>
 #include <map>
 
+#include "../utf8.h"
+
 namespace qor::tools::platform {
 
 namespace {
@@ -67,6 +69,39 @@ bool LocaleToUtf16(char const *s, std::size_t n, std::u16string &out) {
     std::size_t r = iconv(cd, &in, &inLeft, &dst, &outLeft);
     out.resize(start + (reinterpret_cast<char16_t *>(dst) - (out.data() + start)));
     return r != std::size_t(-1);
+}
+
+void DecodeLocale(char const *s, std::size_t n, std::u16string &out) {
+    std::size_t start = out.size();
+    std::string codeset = LocaleCodeset();
+    if (IsLatin1(codeset)) {
+        out.resize(start + n);
+        for (std::size_t i = 0; i < n; ++i) out[start + i] = char16_t(static_cast<unsigned char>(s[i]));
+    } else if (codeset == "UTF-8") {
+        detail::Utf8ToUtf16(s, n, out);
+    } else {
+        iconv_t cd = tCache.Get("UTF-16LE", codeset);
+        char *in = const_cast<char *>(s);
+        std::size_t inLeft = n;
+        while (inLeft > 0) {
+            std::size_t done = out.size();
+            out.resize(done + inLeft + 8);
+            char *dst = reinterpret_cast<char *>(out.data() + done);
+            std::size_t outLeft = (inLeft + 8) * sizeof(char16_t);
+            std::size_t r = cd == iconv_t(-1) ? std::size_t(-1) : iconv(cd, &in, &inLeft, &dst, &outLeft);
+            int error = cd == iconv_t(-1) ? EILSEQ : errno;
+            out.resize(std::size_t(reinterpret_cast<char16_t *>(dst) - out.data()));
+            if (r != std::size_t(-1) || error == E2BIG) continue;
+            // An undecodable byte (or a sequence cut off at the end) stands as U+FFFD.
+            out.push_back(0xFFFD);
+            ++in;
+            --inLeft;
+            if (cd != iconv_t(-1)) iconv(cd, nullptr, nullptr, nullptr, nullptr);
+        }
+    }
+    for (std::size_t i = start; i < out.size(); ++i) {
+        if (out[i] == 0) out[i] = 0xFFFD;
+    }
 }
 
 bool Utf16ToLocale(char16_t const *s, std::size_t n, std::string &out) {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tracked.h"
+#include "support/tracked.h"
 
 #include "qor/tools/container/sptr.h"
 #include "qor/tools/string.h"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tracked.h"
+#include "support/tracked.h"
 
 #include <algorithm>
 #include <map>

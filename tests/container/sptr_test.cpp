@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "tracked.h"
+#include "support/tracked.h"
 
 #include "qor/tools/algorithm/singleton.h"
 #include "qor/tools/container/ptr.h"
-#include "counted_unknown.h"
+#include "support/counted_unknown.h"
 
 using namespace qor::tools;
 using namespace qor::tools::container;

@@ -13,7 +13,7 @@
 #include "platform/odbc.h"
 #include "qor/tools/exception.h"
 #include "qor/tools/platform/notice.h"
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 using namespace qor::tools;
 using namespace qor::tools::database;

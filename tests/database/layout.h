@@ -2,7 +2,7 @@
 #pragma once
 
 #include "qor/tools/database/column.h"
-#include "counted_unknown.h"
+#include "support/counted_unknown.h"
 
 namespace qor::tools::testing {
 

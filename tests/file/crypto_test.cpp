@@ -2,15 +2,20 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
 #include <memory>
 
 #include "qor/tools/file/crypto_xml.h"
-#include "temp_dir.h"
+#include "support/file_limit.h"
+#include "support/temp_dir.h"
 
 using namespace qor::tools;
 using qor::tools::file::Crypto;
 using qor::tools::file::CryptoXml;
-using qor::tools::testing::temp_dir;
+using namespace qor::tools::testing;
 
 namespace {
 
@@ -106,4 +111,55 @@ TEST_F(Encryption, EncryptedXmlDocuments) {
     std::unique_ptr<file::xml> built(file::xml::CreateCryptoXml(Path("fixed.dat").c_str()));
     ASSERT_NE(built, nullptr);
     EXPECT_EQ(built->Int(u"/root"), 42);
+}
+
+// ---------------------------------------------------------------- the old file survives a failed write
+
+TEST_F(Encryption, AFailedWriteLeavesTheOldCiphertext) {
+    container::buffer big(100000, true);
+    ASSERT_TRUE(Crypto::Encrypt(u"pw", Path("f").c_str(), string(u"old")));
+    std::string old = mDir.Read("f");
+    {
+        file_limit limit(4096);
+        EXPECT_TRUE(Crypto::Encrypt(u"pw", Path("f").c_str(), big));  // the answer is the cipher's, as ever
+    }
+    EXPECT_EQ(mDir.Read("f"), old);
+    EXPECT_TRUE(Crypto::Encrypt(u"pw", Path("no/such/folder/f").c_str(), big));
+    for (auto const &entry : std::filesystem::directory_iterator(mDir.Path())) {
+        EXPECT_EQ(entry.path().filename().string(), "f");  // no temporary left behind
+    }
+
+    CryptoXml doc;
+    doc.Password(u"pw");
+    doc.Initialize();
+    doc.SelectNode(u"/");
+    doc.CreateElementCurrent(u"settings", nullptr, true);
+    ASSERT_TRUE(doc.Save(Path("s.dat").c_str()));
+    std::string saved = mDir.Read("s.dat");
+    for (int i = 0; i < 500; ++i) doc.CreateElement(u"/settings", u"entry", u"a value that takes room", false);
+    {
+        file_limit limit(1024);
+        doc.Save(nullptr);
+    }
+    EXPECT_EQ(mDir.Read("s.dat"), saved);
+}
+
+TEST_F(Encryption, ReplacingKeepsPermissionsAndLinks) {
+    ASSERT_TRUE(Crypto::Encrypt(u"pw", Path("secret").c_str(), string(u"one")));
+    ::chmod(mDir.Path("secret").c_str(), 0600);
+    ASSERT_EQ(::symlink("secret", mDir.Path("link").c_str()), 0);
+    ASSERT_TRUE(Crypto::Encrypt(u"pw", Path("link").c_str(), string(u"two")));
+    struct stat st {};
+    ::lstat(mDir.Path("link").c_str(), &st);
+    EXPECT_TRUE(S_ISLNK(st.st_mode));
+    ::stat(mDir.Path("secret").c_str(), &st);
+    EXPECT_EQ(st.st_mode & 07777, 0600u);
+    string text;
+    ASSERT_TRUE(Crypto::Decrypt(u"pw", Path("secret").c_str(), text));
+    EXPECT_TRUE(text == u"two");
+    // A read-only file is not replaced, as the platform refuses to open it for writing.
+    ::chmod(mDir.Path("secret").c_str(), 0400);
+    EXPECT_TRUE(Crypto::Encrypt(u"pw", Path("secret").c_str(), string(u"three")));
+    ASSERT_TRUE(Crypto::Decrypt(u"pw", Path("secret").c_str(), text));
+    EXPECT_TRUE(text == u"two");
 }

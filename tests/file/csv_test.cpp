@@ -7,13 +7,23 @@
 #include <string>
 
 #include "qor/tools/exception.h"
-#include "temp_dir.h"
+#include "support/read_faults.h"
+#include "support/temp_dir.h"
 
 using namespace qor::tools;
 using qor::tools::file::csv;
-using qor::tools::testing::temp_dir;
+using namespace qor::tools::testing;
 
 namespace {
+
+std::u16string Thrown(auto &&action) {
+    try {
+        action();
+    } catch (exception const &e) {
+        return std::u16string(e.mMessage.Safe());
+    }
+    return u"no throw";
+}
 
 std::u16string Cell(csv const &t, int r, int c) { return std::u16string(t[r][c].Safe()); }
 
@@ -194,4 +204,48 @@ TEST_F(Csv, FailuresThrowTheirTexts) {
     csv wide;
     wide.Add().Data().Add(string(u"日本"));
     EXPECT_EQ(message([&] { wide.Save(mDir.Wide("c.csv").c_str()); }), u"csv::SaveError <" + mDir.Wide("c.csv") + u">");
+}
+
+// ---------------------------------------------------------------- no cell lost without a word
+
+TEST_F(Csv, UndecodableBytesBecomeReplacementCharacters) {
+    // Under UTF-8: a stray byte and a NUL inside a line; the cells behind them stay.
+    mDir.Write("bad.csv", std::string("a,b\xff\xfe,c\r\nd,e\0f,g\r\nh\n", 20));
+    csv t(mDir.Wide("bad.csv").c_str());
+    ASSERT_EQ(t.Rows(), 3);
+    ASSERT_EQ(t[0].Size(), 3);
+    EXPECT_EQ(Cell(t, 0, 1), u"b\xFFFD\xFFFD");
+    EXPECT_EQ(Cell(t, 0, 2), u"c");
+    ASSERT_EQ(t[1].Size(), 3);
+    EXPECT_EQ(Cell(t, 1, 1), u"e\xFFFD" u"f");
+    EXPECT_EQ(Cell(t, 2, 0), u"h");
+    if (!std::setlocale(LC_ALL, "ja_JP.SJIS")) GTEST_SKIP() << "no ja_JP.SJIS locale";
+    // Under Shift_JIS: a lead byte with no valid trail byte.
+    mDir.Write("sjis.csv", "\x82\xa0,\x81\x20x,\x82\xa2\r\n\x82\xa4");
+    csv sjis(mDir.Wide("sjis.csv").c_str());
+    ASSERT_EQ(sjis.Rows(), 2);
+    ASSERT_EQ(sjis[0].Size(), 3);
+    EXPECT_EQ(Cell(sjis, 0, 0), u"あ");
+    EXPECT_EQ(Cell(sjis, 0, 1), u"\xFFFD x");
+    EXPECT_EQ(Cell(sjis, 0, 2), u"い");
+    EXPECT_EQ(Cell(sjis, 1, 0), u"う");
+}
+
+TEST_F(Csv, AReadThatFailsPartWayThrows) {
+    std::string line = "cell,cell,cell,cell\r\n";
+    std::string big;
+    for (int i = 0; i < 20000; ++i) big += line;
+    mDir.Write("big.csv", big);
+    std::u16string path = mDir.Wide("big.csv");
+    FailReadsAfter(100000);
+    std::u16string thrown = Thrown([&] { csv t(path.c_str()); });
+    StopReadFaults();
+    EXPECT_EQ(thrown, u"csv::LoadError <" + path + u">");
+    csv t(path.c_str());
+    EXPECT_EQ(t.Rows(), 20000);
+}
+
+TEST_F(Csv, FailureTextsCarryThePathAsGiven) {
+    std::u16string odd = u"C:" + mDir.Wide("%s %d 日本\\missing.csv");
+    EXPECT_EQ(Thrown([&] { csv t(odd.c_str()); }), u"csv::LoadError <" + odd + u">");
 }

@@ -8,7 +8,7 @@
 #include <fstream>
 #include <set>
 
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 using namespace qor::tools;
 using qor::tools::file::find;
@@ -39,6 +39,19 @@ TEST(Find, WildcardsAndDots) {
     find f(dir.Wide().c_str(), u"...");
     ASSERT_TRUE(f.Next());
     EXPECT_FALSE(f.IsDots());
+}
+
+TEST(Find, OnlyStarAndQuestionMarkAreWildcards) {
+    temp_dir dir;
+    dir.Write("a1.txt", "");
+    dir.Write("a[1].txt", "");
+    dir.Write("b*x", "");
+    dir.Write("abcbcd", "");
+    EXPECT_EQ(Names(find(dir.Wide().c_str(), u"a[1].txt")), (std::set<std::u16string>{u"a[1].txt"}));
+    EXPECT_EQ(Names(find(dir.Wide().c_str(), u"a[?].*")), (std::set<std::u16string>{u"a[1].txt"}));
+    EXPECT_EQ(Names(find(dir.Wide().c_str(), u"*bcd")), (std::set<std::u16string>{u"abcbcd"}));
+    EXPECT_EQ(Names(find(dir.Wide().c_str(), u"A*T")).size(), 2u);
+    EXPECT_TRUE(Names(find(dir.Wide().c_str(), u"a?")).empty());
 }
 
 TEST(Find, FolderForms) {

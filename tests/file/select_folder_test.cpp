@@ -5,9 +5,9 @@
 
 #include <cstdlib>
 
-#include "platform/file_system.h"
+#include "platform/shell.h"
 #include "qor/tools/file/operations.h"
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 using namespace qor::tools;
 

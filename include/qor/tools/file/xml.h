@@ -13,11 +13,23 @@
 // (CreateElementCurrent, CreateElement, RemoveCurrentElement, RemoveElement)
 // throw qor::tools::exception with mCode E_POINTER and the text "xml E_POINTER"
 // when there is no document or no cursor. Copies share the document.
+//
+// Whatever node the cursor stands on, every operation either does what it
+// says or answers false, and everything Save writes loads again: names must
+// be XML names, characters that XML 1.0 cannot hold (U+0001 and the like) are
+// refused rather than written, the root element cannot be removed, and a
+// document without a root element is not saved. Save writes through a
+// temporary file renamed over the target (permission bits and owner kept, a
+// symbolic link written through).
 #pragma once
 
 #include <memory>
 
 #include "qor/tools/string.h"
+
+namespace qor::tools::platform {
+class xml_document;
+}
 
 namespace qor::tools::file {
 
@@ -25,8 +37,9 @@ class xml {
 public:
     xml();
     explicit xml(char16_t const *path);
-    xml(xml const &) = default;
-    xml &operator=(xml const &) = default;
+    // Copies share the document, each with a cursor of its own.
+    xml(xml const &other);
+    xml &operator=(xml const &other);
     virtual ~xml();
 
     bool Initialize();
@@ -71,7 +84,8 @@ public:
     bool RemoveElement(char16_t const *query);
     bool CheckVersion(char16_t const *query, char16_t const *version);
 
-    // The document's whole text (UTF-8 declaration included), for CryptoXml.
+    // The document's whole text (UTF-8 declaration included), for CryptoXml;
+    // empty when the document has no root element.
     string _Text() const;
     // Replaces the document with one parsed from text; false if it does not parse.
     bool _LoadText(char16_t const *text);
@@ -80,15 +94,15 @@ protected:
     void _Escape(string &text);
     void _Unescape(string &text);
 
-    struct document;
     string mPath;
-    std::shared_ptr<document> mDocument;
+    std::shared_ptr<platform::xml_document> mDocument;
     void *mCurrentNode = nullptr;
     void *mBackupNode = nullptr;
     bool mModified = false;
 
 private:
     bool _Move(void *target);
+    void _Share(std::shared_ptr<platform::xml_document> const &document);
 };
 
 }  // namespace qor::tools::file

@@ -1,4 +1,4 @@
-#include "file/rc4.h"
+#include "platform/rc4.h"
 
 #include <gtest/gtest.h>
 

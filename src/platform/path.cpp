@@ -1,0 +1,55 @@
+#include "path.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstring>
+
+#include "../utf8.h"
+
+namespace qor::tools::platform {
+
+std::string PathBytes(char16_t const *path) {
+    std::string bytes;
+    if (!path) return bytes;
+    std::size_t n = std::char_traits<char16_t>::length(path);
+    if (n >= 2 && (path[0] == u'C' || path[0] == u'c') && path[1] == u':') {
+        path += 2;
+        n -= 2;
+        if (n == 0) return "/";
+    }
+    detail::Utf16ToUtf8(path, n, bytes, detail::ill_formed::escape);
+    for (char &c : bytes) {
+        if (c == '\\') c = '/';
+    }
+    return bytes;
+}
+
+std::u16string PathText(char const *bytes, std::size_t n) {
+    std::u16string text;
+    if (bytes) detail::Utf8ToUtf16(bytes, n, text, detail::ill_formed::escape);
+    return text;
+}
+
+std::u16string PathText(char const *bytes) { return PathText(bytes, bytes ? std::strlen(bytes) : 0); }
+
+std::string ResolveLinks(std::string const &path) {
+    std::string p = path;
+    for (int hops = 0; hops < 40; ++hops) {
+        struct stat st {};
+        if (::lstat(p.c_str(), &st) != 0 || !S_ISLNK(st.st_mode)) return p;
+        std::string link(std::size_t(st.st_size > 0 ? st.st_size : 256) + 1, '\0');
+        ssize_t n = ::readlink(p.c_str(), link.data(), link.size());
+        if (n <= 0 || std::size_t(n) >= link.size()) return p;
+        link.resize(std::size_t(n));
+        if (link[0] == '/') {
+            p = link;
+            continue;
+        }
+        std::size_t slash = p.find_last_of('/');
+        p = slash == std::string::npos ? link : p.substr(0, slash + 1) + link;
+    }
+    return p;
+}
+
+}  // namespace qor::tools::platform
