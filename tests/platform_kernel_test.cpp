@@ -17,6 +17,8 @@ void WaitForWaiters(HANDLE h, int n) {
     while (platform::WaitingThreads(h) < n) std::this_thread::yield();
 }
 
+std::atomic<HANDLE> gSelf{nullptr};
+
 }  // namespace
 
 TEST(KernelEvent, ManualAndAutoReset) {
@@ -205,4 +207,105 @@ TEST(KernelCounter, NanosecondFrequency) {
     QueryPerformanceCounter(&a);
     QueryPerformanceCounter(&b);
     EXPECT_GE(b, a);
+}
+
+// ---------------------------------------------------------------- handles that are closed
+
+TEST(KernelHandles, ClosedHandlesAreRefusedNotFollowed) {
+    HANDLE e = CreateEventW(nullptr, true, true, nullptr);
+    ASSERT_TRUE(CloseHandle(e));
+    SetLastError(0);
+    EXPECT_FALSE(CloseHandle(e));  // a second close only fails
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    SetLastError(0);
+    EXPECT_EQ(WaitForSingleObject(e, 0), WAIT_FAILED);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    EXPECT_FALSE(SetEvent(e));
+    EXPECT_FALSE(ResetEvent(e));
+    EXPECT_FALSE(ReleaseMutex(e));
+    EXPECT_EQ(ResumeThread(e), DWORD(-1));
+    // The slot is used again, with another generation: the old value stays refused.
+    HANDLE other = CreateEventW(nullptr, true, false, nullptr);
+    EXPECT_NE(other, e);
+    EXPECT_FALSE(SetEvent(e));
+    EXPECT_EQ(WaitForSingleObject(other, 0), WAIT_TIMEOUT);
+    HANDLE list[] = {other, e};
+    EXPECT_EQ(WaitForMultipleObjects(2, list, false, 0), WAIT_FAILED);
+    EXPECT_FALSE(CloseHandle(reinterpret_cast<HANDLE>(0x12345)));  // never a handle at all
+    CloseHandle(other);
+}
+
+TEST(KernelHandles, ACloseDuringAWaitLeavesTheWaitWhole) {
+    HANDLE e = CreateEventW(nullptr, false, false, nullptr);
+    HANDLE second = CreateEventW(nullptr, false, false, nullptr);
+    HANDLE list[] = {e, second};
+    std::thread waiter([&] { EXPECT_EQ(WaitForMultipleObjects(2, list, false, INFINITE), WAIT_OBJECT_0 + 1); });
+    WaitForWaiters(e, 1);
+    CloseHandle(e);  // the object lives on for the waiter
+    SetEvent(second);
+    waiter.join();
+    CloseHandle(second);
+}
+
+// ---------------------------------------------------------------- abandoned mutexes
+
+TEST(KernelMutex, AThreadThatEndsOwningAMutexAbandonsIt) {
+    HANDLE m = CreateMutexW(nullptr, false, nullptr);
+    HANDLE other = CreateEventW(nullptr, true, false, nullptr);
+    std::thread owner([&] { EXPECT_EQ(WaitForSingleObject(m, 0), WAIT_OBJECT_0); });
+    owner.join();  // ends without ReleaseMutex
+    HANDLE list[] = {other, m};
+    EXPECT_EQ(WaitForMultipleObjects(2, list, false, 1000), WAIT_ABANDONED_0 + 1);
+    EXPECT_TRUE(ReleaseMutex(m));
+    EXPECT_EQ(WaitForSingleObject(m, 0), WAIT_OBJECT_0);  // abandoned once, then as usual
+    EXPECT_TRUE(ReleaseMutex(m));
+
+    // A waiter already waiting is handed the mutex when its owner ends.
+    std::atomic<bool> owned{false};
+    HANDLE done = CreateEventW(nullptr, true, false, nullptr);
+    std::thread holder([&] {
+        WaitForSingleObject(m, INFINITE);
+        owned = true;
+        WaitForSingleObject(done, INFINITE);
+    });
+    while (!owned) std::this_thread::yield();
+    std::thread waiter([&] { EXPECT_EQ(WaitForSingleObject(m, 5000), WAIT_ABANDONED_0); });
+    WaitForWaiters(m, 1);
+    SetEvent(done);
+    holder.join();
+    waiter.join();
+    CloseHandle(m);
+    CloseHandle(other);
+    CloseHandle(done);
+}
+
+// ---------------------------------------------------------------- a thread that suspends itself
+
+namespace {
+unsigned SuspendSelf(void *counter) {
+    auto *passes = static_cast<std::atomic<int> *>(counter);
+    ++*passes;
+    SuspendThread(gSelf.load());
+    ++*passes;
+    return 0;
+}
+}  // namespace
+
+TEST(KernelThread, AThreadThatSuspendsItselfIsResumedByAnother) {
+    std::atomic<int> passes{0};
+    HANDLE t = BeginThread(nullptr, 0, SuspendSelf, &passes, CREATE_SUSPENDED, nullptr);
+    gSelf = t;
+    ResumeThread(t);
+    while (passes < 1) std::this_thread::yield();
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_EQ(passes, 1);
+    DWORD previous = DWORD(-1);
+    for (int i = 0; i < 1000 && previous != 1; ++i) {
+        previous = ResumeThread(t);  // until the thread has counted its own suspension
+        if (previous == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    EXPECT_EQ(previous, 1u);
+    EXPECT_EQ(WaitForSingleObject(t, 5000), WAIT_OBJECT_0);
+    EXPECT_EQ(passes, 2);
+    CloseHandle(t);
 }

@@ -1,7 +1,5 @@
 #include "qor/tools/thread/manager.h"
 
-#include <vector>
-
 namespace qor::tools::thread {
 
 manager::manager() : mWorkers(0, 10, true) {}
@@ -35,93 +33,81 @@ int manager::_Find(worker const *w) const {
 }
 
 void manager::_Regist(worker *w) {
-    mLock.Lock();
+    critical::guard lock(mLock);
     mWorkers.Add(w);
-    mLock.Unlock();
 }
 
 worker *manager::Find(char16_t const *name) const {
-    mLock.Lock();
+    critical::guard lock(mLock);
     int i = _Find(name);
-    worker *w = i < 0 ? nullptr : mWorkers[i];
-    mLock.Unlock();
-    return w;
+    return i < 0 ? nullptr : mWorkers[i];
 }
 
 int manager::Count() const {
-    mLock.Lock();
-    int n = mWorkers.Size();
-    mLock.Unlock();
-    return n;
+    critical::guard lock(mLock);
+    return mWorkers.Size();
 }
 
 void manager::Broadcast(message *m) {
-    mLock.Lock();
-    for (int i = 0; i < mWorkers.Size(); ++i) {
-        worker *w = mWorkers[i];
-        if (m->mWorker && m->mWorker != w) w->_Queue(new message(*m));
+    {
+        critical::guard lock(mLock);
+        for (int i = 0; i < mWorkers.Size(); ++i) {
+            worker *w = mWorkers[i];
+            if (m->mWorker && m->mWorker != w) w->_Queue(new message(*m));
+        }
     }
-    mLock.Unlock();
     delete m;
 }
 
 void manager::Send(char16_t const *name, message *m) {
-    mLock.Lock();
+    critical::guard lock(mLock);
     int i = _Find(name);
     if (i >= 0) mWorkers[i]->_Queue(m);
-    mLock.Unlock();
 }
 
-namespace {
-
-// Workers whose threads were already removing themselves: waited for and
-// deleted once the list's lock is free, so that those threads can finish.
-void Finish(std::vector<worker *> const &pending, auto &&thread) {
-    for (worker *w : pending) {
-        WaitForSingleObject(thread(w), INFINITE);
-        delete w;
-    }
+worker *manager::_Take(int index) {
+    worker *w = mWorkers[index];
+    mWorkers[index] = nullptr;  // the set has nothing to delete
+    mWorkers.Remove(index);
+    return w;
 }
 
-}  // namespace
-
+// The list's lock is never held while a thread is waited for: a routine may
+// find, count, create, send and broadcast while it is being ended.
 void manager::Unregist(char16_t const *name) {
-    std::vector<worker *> pending;
-    mLock.Lock();
-    int i = _Find(name);
-    if (i >= 0) {
-        worker *w = mWorkers[i];
-        mWorkers[i] = nullptr;
-        mWorkers.Remove(i);
-        if (!w->_Release(true)) pending.push_back(w);
+    worker *w = nullptr;
+    {
+        critical::guard lock(mLock);
+        int i = _Find(name);
+        if (i < 0) return;
+        w = _Take(i);
     }
-    mLock.Unlock();
-    Finish(pending, [](worker *w) -> void * { return w->mThread; });
+    w->_Release(true);
 }
 
 void manager::_Unregist(worker *w) {
-    mLock.Lock();
-    int i = _Find(w);
-    if (i >= 0) {
-        mWorkers[i] = nullptr;
-        mWorkers.Remove(i);
-        w->_Release(false);
+    {
+        critical::guard lock(mLock);
+        int i = _Find(w);
+        if (i < 0) return;  // Terminate or Unregist has it, and deletes it
+        _Take(i);
     }
-    mLock.Unlock();
+    w->_Release(false);
 }
 
 void manager::Terminate() {
-    std::vector<worker *> pending;
-    mLock.Lock();
-    while (mWorkers.Size() > 0) {
-        worker *w = mWorkers[0];
-        mWorkers[0] = nullptr;
-        mWorkers.Remove(0);
-        if (!w->_Release(true)) pending.push_back(w);
+    for (;;) {
+        worker *w = nullptr;
+        {
+            critical::guard lock(mLock);
+            if (mWorkers.Size() == 0) {
+                mWorkers.Release();
+                return;
+            }
+            w = _Take(0);
+        }
+        w->_Release(true);
     }
-    mWorkers.Release();
-    mLock.Unlock();
-    Finish(pending, [](worker *w) -> void * { return w->mThread; });
 }
 
 }  // namespace qor::tools::thread

@@ -7,7 +7,7 @@
 namespace qor::tools::thread {
 
 worker::worker(manager *owner, char16_t const *name, bool autoRelease)
-    : mAutoRelease(autoRelease ? 1 : 0), mEnd(false, true), mStart(false, true), mStop(false, true),
+    : mAutoRelease(autoRelease), mEnd(false, true), mStart(false, true), mStop(false, true),
       mManager(owner), mName(name) {}
 
 worker::~worker() = default;
@@ -111,12 +111,13 @@ unsigned worker::_ThreadEntry(void *self) {
     CoInitialize(nullptr);
     try {
         while (w->_WaitStart(INFINITE) == 1) w->mFunction->Run(w);
-    } catch (exception) {
+    } catch (exception const &) {
         // The routine has failed: the thread leaves its loop, unreported.
     }
     CoUninitialize();
-    int pending = 1;
-    if (w->mAutoRelease.compare_exchange_strong(pending, 2)) w->mManager->_Unregist(w);
+    // Unless Terminate or Unregist has taken the worker (and waits for this
+    // thread), it removes and deletes itself.
+    if (w->mAutoRelease.exchange(false)) w->mManager->_Unregist(w);
     return 0;
 }
 
@@ -144,16 +145,12 @@ void worker::_Queue(message *m) {
     }
 }
 
-bool worker::_Release(bool wait) {
+void worker::_Release(bool wait) {
     if (wait) {
-        if (mAutoRelease.exchange(0) == 2) {
-            mEnd.Set();
-            return false;  // the thread is in _Unregist: the caller waits for it
-        }
+        mAutoRelease = false;
         _WaitEnd();
     }
     delete this;
-    return true;
 }
 
 }  // namespace qor::tools::thread

@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
+#include <stdexcept>
 #include <thread>
 
 #include "platform/kernel_internal.h"
+#include "qor/tools/thread/critical.h"
 #include "qor/tools/thread/event.h"
 #include "qor/tools/thread/message.h"
 #include "qor/tools/thread/mutex.h"
@@ -34,6 +37,38 @@ TEST(ThreadHandle, RawCopiesAndHarmlessClose) {
     EXPECT_EQ(WaitForSingleObject(otherRaw, 0), WAIT_TIMEOUT);  // ...so it still works
     CloseHandle(otherRaw);
     other = static_cast<void *>(nullptr);
+}
+
+// An event passed by value: the copy closes the handle when it goes, and the
+// original is then a closed handle that fails quietly, twice over.
+void TakeByValue(event copy) { copy.Set(); }
+
+TEST(ThreadEvent, PassedByValueIsHarmless) {
+    {
+        event original;
+        TakeByValue(original);
+        original.Set();
+        EXPECT_FALSE(original.IsEnable(0));
+        EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    }  // the second close fails quietly
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+}
+
+TEST(ThreadCritical, AGuardLetsGoWhenAnExceptionPasses) {
+    critical lock;
+    try {
+        critical::guard held(lock);
+        critical::guard again(lock);  // its owner may enter again
+        throw std::runtime_error("fails while held");
+    } catch (std::runtime_error const &) {
+    }
+    std::atomic<bool> taken{false};
+    std::thread other([&] {
+        critical::guard held(lock);
+        taken = true;
+    });
+    other.join();
+    EXPECT_TRUE(taken);
 }
 
 TEST(ThreadEvent, ManualByDefault) {

@@ -176,3 +176,66 @@ TEST_F(Worker, SuspendAndResume) {
     EXPECT_EQ(w->Resume(), 1u);
     Eventually([] { return gMessages == 1; });
 }
+
+// ---------------------------------------------------------------- routines that use their manager while it ends them
+
+namespace {
+
+std::atomic<manager *> gManager{nullptr};
+std::atomic<int> gCounted{0};
+
+// At its end the routine looks at, and even adds to, the list that is being
+// emptied: nothing may wait for a lock that the ending holds.
+std::atomic<int> gRunning{0};
+
+void AsksOnTheWayOut(worker *w) {
+    ++gRunning;
+    for (;;) {
+        if (w->Wait(INFINITE) < 2) break;
+        w->Message(true);
+    }
+    manager *m = gManager;
+    gCounted += m->Count();
+    m->Find(u"anyone");
+    w->Send(u"nobody", new message(1));
+    w->Broadcast(new message(2));
+    if (m->Count() < 6) m->Function(u"latecomer", Loop);
+}
+
+}  // namespace
+
+TEST_F(Worker, RoutinesMayUseTheManagerWhileBeingEnded) {
+    gManager = &mWorkers;
+    for (int i = 0; i < 4; ++i) mWorkers.Function(string::Formatter(u"w%d", i), AsksOnTheWayOut);
+    Eventually([] { return gRunning == 4; });
+    mWorkers.Unregist(u"w1");
+    EXPECT_EQ(mWorkers.Find(u"w1"), nullptr);
+    mWorkers.Terminate();  // ends the latecomers too
+    EXPECT_EQ(mWorkers.Count(), 0);
+    EXPECT_GT(gCounted, 0);
+}
+
+namespace {
+std::atomic<int> gSelfSuspended{0};
+void SuspendsItself(worker *w) {
+    ++gSelfSuspended;
+    w->Suspend();
+    ++gSelfSuspended;
+    Loop(w);
+}
+}  // namespace
+
+TEST_F(Worker, AWorkerThatSuspendsItselfIsResumed) {
+    gSelfSuspended = 0;
+    worker *w = mWorkers.Function(u"sleeper", SuspendsItself);
+    Eventually([] { return gSelfSuspended == 1; });
+    DWORD previous = 0;
+    for (int i = 0; i < 1000 && previous == 0; ++i) {
+        previous = w->Resume();  // 0 until the worker has counted its suspension
+        if (previous == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    EXPECT_EQ(previous, 1u);
+    Eventually([] { return gSelfSuspended == 2; });
+    mWorkers.Send(u"sleeper", new counted(1));
+    Eventually([] { return gMessages == 1; });
+}

@@ -25,12 +25,25 @@ public:
     list() noexcept = default;
     list(list const &) = delete;
     list &operator=(list const &) = delete;
-    ~list() override { Clear(); }
+    ~list() override {
+        Clear();
+        while (node *n = mSpare) {
+            mSpare = n->mNext;
+            delete n;
+        }
+    }
 
     // Links a new node behind `after` (null: at the very front).
     node *Insert(node *after, T *object) {
         node *next = after ? after->mNext : mHead;
-        node *n = new node{object, after, next};
+        node *n = mSpare;
+        if (n) {
+            mSpare = n->mNext;
+            --mSpareCount;
+            *n = node{object, after, next};
+        } else {
+            n = new node{object, after, next};
+        }
         if (after) after->mNext = n; else mHead = n;
         if (next) next->mPrev = n; else mTail = n;
         ++mCount;
@@ -44,7 +57,15 @@ public:
         if (mHead) mHead->mPrev = nullptr; else mTail = nullptr;
         --mCount;
         T *object = n->mObject;
-        delete n;
+        // A few nodes are kept for the next elements: a line that is filled
+        // and emptied again and again allocates nothing.
+        if (mSpareCount < kSpareNodes) {
+            n->mNext = mSpare;
+            mSpare = n;
+            ++mSpareCount;
+        } else {
+            delete n;
+        }
         return object;
     }
     void Clear() {
@@ -56,6 +77,11 @@ public:
     node *mHead = nullptr;
     node *mTail = nullptr;
     int mCount = 0;
+
+private:
+    static constexpr int kSpareNodes = 64;
+    node *mSpare = nullptr;
+    int mSpareCount = 0;
 };
 
 }  // namespace base

@@ -1,9 +1,15 @@
 // thread::critical: the library's own lock, a critical section that its owner
-// may enter again. A copy is a new, independent lock (copies exist only so
-// that classes holding a critical stay copyable).
+// may enter again. Like the platform's critical sections it spins a little
+// before it sleeps, since it is held for a few instructions at a time. A copy
+// is a new, independent lock (copies exist only so that classes holding a
+// critical stay copyable).
+//
+//   thread::critical::guard lock(mLock);   // held until the end of the scope
 #pragma once
 
+#include <atomic>
 #include <mutex>
+#include <thread>
 
 namespace qor::tools::thread {
 
@@ -14,11 +20,26 @@ public:
     critical &operator=(critical const &) noexcept { return *this; }
     virtual ~critical() = default;
 
-    void Lock() { mSection.lock(); }
-    void Unlock() { mSection.unlock(); }
+    void Lock();
+    void Unlock();
+
+    // Holds a critical for as long as it lives, so that no return or
+    // exception leaves the lock held.
+    class guard {
+    public:
+        explicit guard(critical &c) : mCritical(c) { mCritical.Lock(); }
+        guard(guard const &) = delete;
+        guard &operator=(guard const &) = delete;
+        ~guard() { mCritical.Unlock(); }
+
+    private:
+        critical &mCritical;
+    };
 
 private:
-    std::recursive_mutex mSection;
+    std::mutex mSection;
+    std::atomic<std::thread::id> mOwner{};
+    int mRecursion = 0;
 };
 
 }  // namespace qor::tools::thread

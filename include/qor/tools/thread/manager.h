@@ -1,8 +1,9 @@
 // thread::manager: owns the application's workers. It creates them by name,
 // finds them, routes messages between them and ends them all, oldest first.
-// Every reading and change of the worker list happens under its lock. Routines
-// must not Send or Broadcast while Terminate or Unregist runs (those hold the
-// lock while they wait for threads): stop them first.
+// Every reading and change of the worker list happens under its lock, and the
+// lock is never held while a worker's thread is waited for, so routines may
+// use the manager (Find, Count, Function, Send, Broadcast) while Terminate or
+// Unregist ends them.
 //
 //   thread::manager workers;
 //   auto *w = workers.Function(u"loader", Routine, false, true);
@@ -51,6 +52,8 @@ protected:
 
 private:
     worker *_Make(char16_t const *name, bool autoRelease);
+    // Takes the worker at `index` out of the list; the lock is held.
+    worker *_Take(int index);
 
     container::set<worker, container::pif::set::object> mWorkers;
     mutable critical mLock;

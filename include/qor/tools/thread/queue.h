@@ -16,26 +16,24 @@ class queue : public container::queue<T, P> {
 public:
     queue() : mEvent(false, true) {}
 
+    // Appends; the event is set when the line stops being empty.
     void Push(T *object) {
-        mLock.Lock();
+        critical::guard lock(mLock);
         container::queue<T, P>::Push(object);
-        mEvent.Set();
-        mLock.Unlock();
+        if (this->Count() == 1) mEvent.Set();
     }
     // Takes the first element out; the caller owns it. Null when empty.
     T *Pop() {
-        mLock.Lock();
+        critical::guard lock(mLock);
         T *object = container::queue<T, P>::Pop();
         if (this->IsEmpty()) mEvent.Reset();
-        mLock.Unlock();
         return object;
     }
     // The first element, still the line's. Null when empty.
     T *Peek() {
-        mLock.Lock();
+        critical::guard lock(mLock);
         T *object = container::queue<T, P>::Peek();
         if (this->IsEmpty()) mEvent.Reset();
-        mLock.Unlock();
         return object;
     }
     // take: an owning sptr on the first element (empty when there is none);

@@ -95,16 +95,16 @@ protected:
     virtual DWORD _WaitStart(unsigned long ms);
     virtual DWORD _Wait(void **handles, int count, unsigned long ms);
     virtual void _Queue(message *m);
-    // Ends and deletes this worker. With `wait`, from another thread: the
-    // thread is told to end and waited for; false means that the thread is
-    // already removing itself, and the caller waits for mThread and deletes.
-    virtual bool _Release(bool wait);
+    // Ends and deletes this worker. With `wait` (from another thread, once
+    // the worker is out of the manager's list): the thread is told to end and
+    // waited for. Without: on the worker's own thread at its end.
+    virtual void _Release(bool wait);
 
     handle mThread;
     unsigned int mThreadId = 0;
-    // 0: the manager ends this worker; 1: the thread removes it at its end;
-    // 2: the thread has begun to remove it.
-    std::atomic<int> mAutoRelease;
+    // The thread removes and deletes the worker at its end; cleared by
+    // whoever takes that over (the thread itself, or _Release(true)).
+    std::atomic<bool> mAutoRelease;
     container::ptr<function, container::pif::object> mFunction;
     event mEnd;
     event mStart;
