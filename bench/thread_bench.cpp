@@ -157,7 +157,7 @@ void WaitFirstOf(benchmark::State &state) {
 }  // namespace
 
 BENCHMARK(WaitFirstOf)->Arg(1)->Arg(64);
-BENCHMARK(WorkerMessages)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(BareQueueMessages)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(WorkerMessages)->Name("Messages")->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BareQueueMessages)->Name("Messages_Anchor")->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(EventWakeLatency)->UseRealTime();
 BENCHMARK(Wait64Handles)->UseRealTime();

@@ -4,7 +4,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 mode=${1:-plain}
-args=(-G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo)
+# QORTOOLS_WERROR=ON in the environment turns warnings into errors (CI).
+args=(-G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQORTOOLS_WERROR="${QORTOOLS_WERROR:-OFF}")
 case "$mode" in
   plain) dir=build ;;
   asan)  dir=build-asan; args+=(-DQORTOOLS_SANITIZE=address,undefined -DQORTOOLS_BUILD_BENCH=OFF) ;;

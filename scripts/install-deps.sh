@@ -9,7 +9,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libxml2-dev libssl-dev libglib2.0-dev libgtk-3-dev
   unixodbc-dev odbc-postgresql libsqliteodbc sqlite3 postgresql
-  xvfb xauth locales
+  xvfb xauth locales python3
 )
 
 missing=()

@@ -10,7 +10,7 @@ dir=$(scripts/build.sh "$mode" | tail -n 1)
 
 ctest_args=(--test-dir "$dir" --output-on-failure --timeout 900)
 case "$mode" in
-  asan) export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+  asan) export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:fast_unwind_on_malloc=0 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
         export LSAN_OPTIONS=suppressions=$PWD/scripts/lsan.supp:print_suppressions=0
         ctest_args+=(-LE install) ;;
   tsan) export TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1

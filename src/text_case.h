@@ -3,8 +3,17 @@
 #pragma once
 
 #include <cwctype>
+#include <string>
 
 namespace qor::tools::detail {
+
+// ASCII letters only, whatever the locale: for names of drivers, keys, columns.
+constexpr char16_t AsciiLower(char16_t c) noexcept { return (c >= u'A' && c <= u'Z') ? char16_t(c + 32) : c; }
+
+inline std::u16string AsciiLower(std::u16string s) {
+    for (char16_t &c : s) c = AsciiLower(c);
+    return s;
+}
 
 inline char16_t ToLower(char16_t c) noexcept {
     if (c < 0x80) return (c >= u'A' && c <= u'Z') ? char16_t(c + 32) : c;

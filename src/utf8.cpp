@@ -94,4 +94,16 @@ void Utf16ToUtf8(char16_t const *s, std::size_t n, std::string &out, ill_formed 
     }
 }
 
+std::string ToUtf8(std::u16string_view s) {
+    std::string out;
+    Utf16ToUtf8(s.data(), s.size(), out);
+    return out;
+}
+
+std::u16string ToUtf16(std::string_view s) {
+    std::u16string out;
+    Utf8ToUtf16(s.data(), s.size(), out);
+    return out;
+}
+
 }  // namespace qor::tools::detail

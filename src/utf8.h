@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace qor::tools::detail {
 
@@ -17,5 +18,9 @@ enum class ill_formed { replace, escape };
 
 void Utf8ToUtf16(char const *s, std::size_t n, std::u16string &out, ill_formed mode = ill_formed::replace);
 void Utf16ToUtf8(char16_t const *s, std::size_t n, std::string &out, ill_formed mode = ill_formed::replace);
+
+// The same, giving the result.
+std::string ToUtf8(std::u16string_view s);
+std::u16string ToUtf16(std::string_view s);
 
 }  // namespace qor::tools::detail

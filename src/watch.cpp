@@ -10,14 +10,9 @@
 
 namespace qor::tools {
 
-namespace {
-// Made when the module loads, before any watch can be.
-thread::critical gTickCountSection;
-}  // namespace
-
 std::int64_t watch::mQPFTicksPerSec = 0;
 bool watch::mInitialize = false;
-thread::critical &watch::mTickCountSection = gTickCountSection;
+thread::critical watch::mTickCountSection;  // made when the module loads, before any watch
 std::int64_t watch::mLastTickCount = 0;
 unsigned long watch::mTickCounter = 0;
 
@@ -88,10 +83,9 @@ void watch::Log(char16_t const *title, char16_t const *file) const {
 
 void watch::TickCountClear(char16_t const *, int) {
     _Initialize();
-    mTickCountSection.Lock();
+    thread::critical::guard lock(mTickCountSection);
     mTickCounter = 0;
     mLastTickCount = _Now();
-    mTickCountSection.Unlock();
 }
 
 }  // namespace qor::tools

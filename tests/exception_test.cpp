@@ -37,7 +37,7 @@ TEST(Exception, CopiesShareTheTextAndOutliveTheOriginal) {
 TEST(Exception, ThrownAndCaughtByValue) {
     try {
         throw exception(u"OLD DB Insert");
-    } catch (exception e) {
+    } catch (exception &e) {
         e.Trace();
         EXPECT_TRUE(e.mMessage == u"OLD DB Insert");
         return;

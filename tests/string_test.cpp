@@ -96,7 +96,8 @@ TEST(StringSharing, CopiesShareAndMutatorsUnshare) {
 
 TEST(StringSharing, SelfAssignmentAndSelfAppend) {
     string a(u"ab");
-    a = a;
+    string const &same = a;  // assigned to itself, through another name
+    a = same;
     EXPECT_EQ(Shares(a), 1);
     a.Add(a);
     EXPECT_EQ(Text(a), u"abab");
@@ -280,8 +281,6 @@ TEST(StringTrim, BlankRulesAndQuirks) {
     string control(u"\t\n x");
     control.TrimLeft(false);
     EXPECT_EQ(Text(control), u" x");
-    EXPECT_EQ(string::_SpaceMatching(u"ab ", 3, 0, true, false, true, true), 2);
-    EXPECT_EQ(string::_SpaceMatching(u"ab", 2, 5, true, false, false, true), -1);
 }
 
 TEST(StringFormat, WideConversionsAndBlocks) {

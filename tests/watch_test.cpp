@@ -31,7 +31,7 @@ TEST(Watch, FreshStatistics) {
     EXPECT_EQ(w.Times(), 0);
     EXPECT_EQ(w.Average(), 0.0);
     EXPECT_EQ(w.Max(), 0.0);
-    EXPECT_DOUBLE_EQ(w.Min(), 0x7FFFFFFFFFFFFFFF * 1000.0 / 1e9);
+    EXPECT_DOUBLE_EQ(w.Min(), static_cast<double>(0x7FFFFFFFFFFFFFFF) * 1000.0 / 1e9);
     EXPECT_FALSE(w.IsStart());
 }
 

@@ -72,7 +72,7 @@ void column::CreateBindData(container::array<tagDBBINDING, container::pif::array
         b.obStatus = DBBYTEOFFSET(e->mOffset) + e->mSize;
         b.obLength = length ? DBBYTEOFFSET(e->mOffset) + e->mSize + 4 : 0;
         b.pObject = e->mType == DBTYPE_IUNKNOWN ? &e->mObject : nullptr;
-        b.dwPart = DBPART_VALUE | DBPART_STATUS | (length ? DBPART_LENGTH : 0);
+        b.dwPart = DBPART_VALUE | DBPART_STATUS | (length ? DBPART(DBPART_LENGTH) : DBPART(0));
         b.dwMemOwner = (e->mType & DBTYPE_BYREF) ? DBMEMOWNER_PROVIDEROWNED : DBMEMOWNER_CLIENTOWNED;
         b.eParamIO = DBPARAMIO_NOTPARAM;
         b.cbMaxLen = e->mSize;

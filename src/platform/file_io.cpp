@@ -1,4 +1,5 @@
 #include "file_io.h"
+#include "last_error.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -76,7 +77,7 @@ bool input_file::Open(char16_t const *path) {
     Close();
     if (!path) return false;
     mFd = OpenRetrying(PathBytes(path).c_str(), O_RDONLY);
-    if (mFd < 0) return false;
+    if (mFd < 0) return KeepErrno();
     struct stat st {};
     if (::fstat(mFd, &st) != 0 || !S_ISREG(st.st_mode)) {
         Close();
@@ -92,7 +93,7 @@ std::int64_t input_file::Read(void *data, std::size_t size, std::int64_t offset)
     while (done < size) {
         ssize_t r = ::pread(mFd, p + done, size - done, off_t(offset + std::int64_t(done)));
         if (r < 0 && errno == EINTR) continue;
-        if (r < 0) return -1;
+        if (r < 0) return KeepErrno(), -1;
         if (r == 0) break;
         done += std::size_t(r);
     }
@@ -113,7 +114,7 @@ bool output_file::Open(char16_t const *path) {
     Close();
     if (!path) return false;
     mFd = OpenRetrying(PathBytes(path).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
-    return mFd >= 0;
+    return Checked(mFd >= 0);
 }
 
 bool output_file::Write(void const *data, std::size_t size) {
@@ -122,7 +123,7 @@ bool output_file::Write(void const *data, std::size_t size) {
     while (size) {
         ssize_t r = ::write(mFd, p, size);
         if (r < 0 && errno == EINTR) continue;
-        if (r <= 0) return false;
+        if (r <= 0) return KeepErrno();
         p += r;
         size -= std::size_t(r);
     }
@@ -131,7 +132,7 @@ bool output_file::Write(void const *data, std::size_t size) {
 
 bool output_file::Close() {
     if (mFd < 0) return true;
-    bool ok = ::close(mFd) == 0;
+    bool ok = Checked(::close(mFd) == 0);
     mFd = -1;
     return ok;
 }
@@ -159,9 +160,9 @@ bool replacement_file::Open(char16_t const *path) {
         mTemporary.clear();
         // Only a folder that refuses new files is a reason to write in place;
         // a full disk is not (the old file would be lost as well).
-        if (errno != EACCES && errno != EPERM) return false;
+        if (errno != EACCES && errno != EPERM) return KeepErrno();
         mOut.mFd = OpenRetrying(mTarget.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
-        return mOut.mFd >= 0;
+        return Checked(mOut.mFd >= 0);
     }
     if (exists && (old.st_uid != ::geteuid() || old.st_gid != ::getegid())) {
         if (::fchown(mOut.mFd, old.st_uid, old.st_gid) != 0) (void)::fchown(mOut.mFd, uid_t(-1), old.st_gid);
@@ -178,10 +179,10 @@ void replacement_file::Times(std::int64_t access, std::int64_t modification) noe
 bool replacement_file::Commit() {
     if (mOut.mFd < 0) return false;
     bool ok = true;
-    if (mHasMode) ok = ::fchmod(mOut.mFd, mMode) == 0;
+    if (mHasMode) ok = Checked(::fchmod(mOut.mFd, mMode) == 0);
     if (ok && mHasTimes) {
         timespec times[2] = {Timespec(mAccess), Timespec(mModification)};
-        ok = ::futimens(mOut.mFd, times) == 0;
+        ok = Checked(::futimens(mOut.mFd, times) == 0);
     }
     ok = mOut.Close() && ok;
     if (!ok) {
@@ -190,6 +191,7 @@ bool replacement_file::Commit() {
     }
     if (mTemporary.empty()) return true;
     if (::rename(mTemporary.c_str(), mTarget.c_str()) != 0) {
+        KeepErrno();
         _Discard();
         return false;
     }

@@ -11,6 +11,8 @@
 #include <filesystem>
 
 #include "file_io.h"
+#include "last_error.h"
+#include "qor/tools/platform/kernel.h"
 
 namespace qor::tools::platform {
 
@@ -136,7 +138,7 @@ bool IsLink(char16_t const *path) {
 bool GetAttributes(char16_t const *path, DWORD &attributes) {
     struct statx st {};
     std::string p = PathBytes(path);
-    if (!path || !Stat(p, st)) return false;
+    if (!path || !Stat(p, st)) return KeepErrno();
     attributes = Attributes(st, BaseName(p));
     return true;
 }
@@ -144,16 +146,16 @@ bool GetAttributes(char16_t const *path, DWORD &attributes) {
 bool SetAttributes(char16_t const *path, DWORD attributes) {
     std::string p = PathBytes(path);
     struct stat st {};
-    if (!path || ::lstat(p.c_str(), &st) != 0) return false;
+    if (!path || ::lstat(p.c_str(), &st) != 0) return KeepErrno();
     if (S_ISLNK(st.st_mode)) return true;  // a link has no permission bits of its own
     mode_t mode = st.st_mode & 07777;
     mode = (attributes & FILE_ATTRIBUTE_READONLY) ? mode & ~mode_t(S_IWUSR | S_IWGRP | S_IWOTH) : mode | S_IWUSR;
-    return mode == (st.st_mode & 07777) || ::chmod(p.c_str(), mode) == 0;
+    return mode == (st.st_mode & 07777) || Checked(::chmod(p.c_str(), mode) == 0);
 }
 
 bool GetTimes(char16_t const *path, FILETIME &creation, FILETIME &access, FILETIME &write) {
     struct statx st {};
-    if (!path || !Stat(PathBytes(path), st)) return false;
+    if (!path || !Stat(PathBytes(path), st)) return KeepErrno();
     creation = ToFileTime((st.stx_mask & STATX_BTIME) ? st.stx_btime : st.stx_mtime);
     access = ToFileTime(st.stx_atime);
     write = ToFileTime(st.stx_mtime);
@@ -162,7 +164,7 @@ bool GetTimes(char16_t const *path, FILETIME &creation, FILETIME &access, FILETI
 
 bool SetTimes(char16_t const *path, FILETIME const &access, FILETIME const &write) {
     timespec times[2] = {ToTimespec(access), ToTimespec(write)};
-    return path && ::utimensat(AT_FDCWD, PathBytes(path).c_str(), times, AT_SYMLINK_NOFOLLOW) == 0;
+    return path && Checked(::utimensat(AT_FDCWD, PathBytes(path).c_str(), times, AT_SYMLINK_NOFOLLOW) == 0);
 }
 
 bool SameFileSystem(char16_t const *from, char16_t const *to) {
@@ -186,18 +188,18 @@ bool MoveFile(char16_t const *from, char16_t const *to, bool replace) {
     std::string f = PathBytes(from), t = PathBytes(to);
     if (!replace && Exists(to)) return false;
     if (::rename(f.c_str(), t.c_str()) == 0) return true;
-    if (errno != EXDEV) return false;
+    if (errno != EXDEV) return KeepErrno();
     // Another file system: copy (times kept), then remove the source.
-    return CopyFile(from, to, !replace) && ::unlink(f.c_str()) == 0;
+    return CopyFile(from, to, !replace) && Checked(::unlink(f.c_str()) == 0);
 }
 
 bool CopyFile(char16_t const *from, char16_t const *to, bool failIfExists) {
     if (!from || !to) return false;
     std::string source = PathBytes(from), target = PathBytes(to);
     struct stat link {}, st {}, existing {};
-    if (::lstat(source.c_str(), &link) != 0) return false;
+    if (::lstat(source.c_str(), &link) != 0) return KeepErrno();
     bool exists = ::lstat(target.c_str(), &existing) == 0;
-    if (exists && failIfExists) return false;
+    if (exists && failIfExists) return SetLastError(ERROR_FILE_EXISTS), false;
     bool regular = ::stat(source.c_str(), &st) == 0 && S_ISREG(st.st_mode);
     if (S_ISLNK(link.st_mode) && !regular) return CopyLink(source, target, exists);
     if (!regular) return false;
@@ -205,7 +207,7 @@ bool CopyFile(char16_t const *from, char16_t const *to, bool failIfExists) {
         return false;  // onto itself: the copy would truncate its own source
     }
     int in = ::open(source.c_str(), O_RDONLY | O_CLOEXEC);
-    if (in < 0) return false;
+    if (in < 0) return KeepErrno();
     replacement_file out;
     bool ok = out.Open(to);
     if (ok) {
@@ -219,14 +221,14 @@ bool CopyFile(char16_t const *from, char16_t const *to, bool failIfExists) {
     return ok;
 }
 
-bool CreateDirectory(char16_t const *path) { return path && ::mkdir(PathBytes(path).c_str(), 0777) == 0; }
+bool CreateDirectory(char16_t const *path) { return path && Checked(::mkdir(PathBytes(path).c_str(), 0777) == 0); }
 
-bool RemoveDirectory(char16_t const *path) { return path && ::rmdir(PathBytes(path).c_str()) == 0; }
+bool RemoveDirectory(char16_t const *path) { return path && Checked(::rmdir(PathBytes(path).c_str()) == 0); }
 
-bool RemoveFile(char16_t const *path) { return path && ::unlink(PathBytes(path).c_str()) == 0; }
+bool RemoveFile(char16_t const *path) { return path && Checked(::unlink(PathBytes(path).c_str()) == 0); }
 
 bool Rename(char16_t const *from, char16_t const *to) {
-    return from && to && ::rename(PathBytes(from).c_str(), PathBytes(to).c_str()) == 0;
+    return from && to && Checked(::rename(PathBytes(from).c_str(), PathBytes(to).c_str()) == 0);
 }
 
 bool FileTimeToLocal(FILETIME const &time, calendar &local) {

@@ -6,15 +6,10 @@
 #include <cstring>
 
 #include "file_system.h"
+#include "../text_case.h"
 #include "path.h"
 
 namespace qor::tools::platform {
-
-namespace {
-
-constexpr char16_t Fold(char16_t c) noexcept { return (c >= u'A' && c <= u'Z') ? char16_t(c + 32) : c; }
-
-}  // namespace
 
 bool MatchesMask(std::u16string_view mask, std::u16string_view name) noexcept {
     if (mask == u"*.*" || mask == u"*") return true;
@@ -24,7 +19,7 @@ bool MatchesMask(std::u16string_view mask, std::u16string_view name) noexcept {
         if (m < mask.size() && mask[m] == u'*') {
             star = m++;
             resume = n;
-        } else if (m < mask.size() && (mask[m] == u'?' || Fold(mask[m]) == Fold(name[n]))) {
+        } else if (m < mask.size() && (mask[m] == u'?' || detail::AsciiLower(mask[m]) == detail::AsciiLower(name[n]))) {
             ++m;
             ++n;
         } else if (star != std::u16string_view::npos) {
@@ -52,7 +47,7 @@ bool folder_search::First(char16_t const *pattern, WIN32_FIND_DATAW &entry) {
     std::u16string folder = slash == std::u16string::npos ? u"." : p.substr(0, slash + 1);
     mMask = slash == std::u16string::npos ? p : p.substr(slash + 1);
     mFolder = PathBytes(folder.c_str());
-    if (mFolder.empty()) mFolder = "/";
+    if (mFolder.empty()) mFolder.assign(1, '/');  // (assigning "/" trips a false -Wrestrict in g++ 12)
     mDir = ::opendir(mFolder.c_str());
     if (!mDir) return false;
     if (_Fill(entry)) return true;

@@ -13,14 +13,7 @@ namespace {
 std::mutex gHookLock;
 notice_hook gHook;
 
-std::string Utf8(char16_t const *s) {
-    std::string out;
-    if (!s) return out;
-    std::size_t n = 0;
-    while (s[n]) ++n;
-    detail::Utf16ToUtf8(s, n, out);
-    return out;
-}
+std::string Utf8(char16_t const *s) { return s ? detail::ToUtf8(s) : std::string(); }
 
 }  // namespace
 

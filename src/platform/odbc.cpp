@@ -8,6 +8,7 @@
 #include <cstring>
 #include <memory>
 
+#include "../text_case.h"
 #include "../utf8.h"
 #include "memory_stream.h"
 #include "text_codec.h"
@@ -20,18 +21,9 @@ constexpr std::size_t kMaxText = 4000;  // long text columns are cut to this man
 
 bool Ok(SQLRETURN r) { return r == SQL_SUCCESS || r == SQL_SUCCESS_WITH_INFO; }
 
-std::u16string Lower(std::u16string s) {
-    for (auto &c : s) {
-        if (c >= u'A' && c <= u'Z') c = char16_t(c + 32);
-    }
-    return s;
-}
+using detail::AsciiLower;
 
-std::string Utf8(std::u16string const &s) {
-    std::string out;
-    detail::Utf16ToUtf8(s.data(), s.size(), out);
-    return out;
-}
+std::string Utf8(std::u16string const &s) { return detail::ToUtf8(s); }
 
 std::u16string Wide(char const *s, std::size_t n) {
     std::u16string out;
@@ -257,7 +249,7 @@ void connection::_Note(std::u16string const &sql) {
 
 HRESULT connection::Open(std::u16string const &driver, std::u16string const &server, std::u16string const &database,
                          std::u16string const &user, std::u16string const *password) {
-    std::u16string name = Lower(driver);
+    std::u16string name = AsciiLower(driver);
     if (name.find(u"sqlite") != std::u16string::npos) {
         mDialect = dialect(dialect::kind::sqlite);
         mWide = false;
@@ -491,9 +483,9 @@ bool BindAll(SQLHSTMT stmt, std::vector<cell> const &values, std::vector<DBTYPE>
                                  b->empty() ? 1 : b->size(), 0, store(b->data(), b->size()), indicator, &indicator);
         } else {
             DBTIMESTAMP const &s = std::get<timestamp>(v).mValue;
-            SQL_TIMESTAMP_STRUCT t{s.year, s.month, s.day, s.hour, s.minute, s.second, s.fraction};
+            SQL_TIMESTAMP_STRUCT stamp{s.year, s.month, s.day, s.hour, s.minute, s.second, s.fraction};
             r = SQLBindParameter(stmt, number, SQL_PARAM_INPUT, SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP, 23, 3,
-                                 store(&t, sizeof t), 0, nullptr);
+                                 store(&stamp, sizeof stamp), 0, nullptr);
         }
         if (!Ok(r)) return false;
     }
@@ -554,7 +546,7 @@ HRESULT connection::Query(std::u16string const &sql, std::u16string const &table
     bool identity = false;
     std::u16string prefix = u"select * from " + table;
     std::vector<std::u16string> keys;
-    if (!table.empty() && !_IdentityColumn().empty() && Lower(sql.substr(0, prefix.size())) == Lower(prefix) &&
+    if (!table.empty() && !_IdentityColumn().empty() && AsciiLower(sql.substr(0, prefix.size())) == AsciiLower(prefix) &&
         (sql.size() == prefix.size() || sql[prefix.size()] == u' ') && SUCCEEDED(PrimaryKeys(table, keys)) &&
         keys.empty()) {
         first = u"select *, " + _IdentityColumn() + u" from " + table + sql.substr(prefix.size());
@@ -894,7 +886,7 @@ HRESULT rowset::_Where(cached const &row, std::u16string &clause, std::vector<ce
     for (std::size_t k = 0; k < keys.size(); ++k) {
         std::size_t found = 0;
         for (std::size_t i = 1; i < mColumns.size(); ++i) {
-            if (Lower(mColumns[i].mName) == Lower(keys[k])) found = i;
+            if (AsciiLower(mColumns[i].mName) == AsciiLower(keys[k])) found = i;
         }
         if (!found || found >= row.mCells.size()) return E_FAIL;
         clause += (k ? u" and " : u"") + mColumns[found].mName + u"=?";

@@ -2,19 +2,13 @@
 
 #include <cstring>
 
+#include "../text_case.h"
 #include "../utf8.h"
 #include "file_io.h"
 
 namespace qor::tools::platform {
 
 namespace {
-
-std::u16string Lower(std::u16string s) {
-    for (auto &c : s) {
-        if (c >= u'A' && c <= u'Z') c = char16_t(c + 32);
-    }
-    return s;
-}
 
 std::u16string Trim(std::u16string const &s) {
     std::size_t first = s.find_first_not_of(u" \t\r");
@@ -42,7 +36,7 @@ std::u16string GetPrivateProfileString(char16_t const *section, char16_t const *
     std::u16string result = fallback ? fallback : u"";
     std::string bytes;
     if (path && ReadFile(path, bytes) && section && key) {
-        std::u16string text = Text(bytes), wantedSection = Lower(section), wantedKey = Lower(key);
+        std::u16string text = Text(bytes), wantedSection = detail::AsciiLower(section), wantedKey = detail::AsciiLower(key);
         bool inSection = false;
         for (std::size_t at = 0; at <= text.size();) {
             std::size_t end = text.find(u'\n', at);
@@ -52,12 +46,12 @@ std::u16string GetPrivateProfileString(char16_t const *section, char16_t const *
             if (line.empty() || line[0] == u';' || line[0] == u'#') continue;
             if (line[0] == u'[') {
                 std::size_t close = line.find(u']');
-                inSection = close != std::u16string::npos && Lower(Trim(line.substr(1, close - 1))) == wantedSection;
+                inSection = close != std::u16string::npos && detail::AsciiLower(Trim(line.substr(1, close - 1))) == wantedSection;
                 continue;
             }
             std::size_t equals = line.find(u'=');
             if (!inSection || equals == std::u16string::npos) continue;
-            if (Lower(Trim(line.substr(0, equals))) != wantedKey) continue;
+            if (detail::AsciiLower(Trim(line.substr(0, equals))) != wantedKey) continue;
             result = Trim(line.substr(equals + 1));
             if (result.size() >= 2 && result.front() == u'"' && result.back() == u'"') result = result.substr(1, result.size() - 2);
             break;

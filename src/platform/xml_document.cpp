@@ -42,19 +42,9 @@ xmlNodePtr N(void *p) { return static_cast<xmlNodePtr>(p); }
 xmlDocPtr D(void *p) { return static_cast<xmlDocPtr>(p); }
 xmlChar const *X(std::string const &s) { return reinterpret_cast<xmlChar const *>(s.c_str()); }
 
-std::string Utf8(char16_t const *s) {
-    std::string out;
-    if (s) detail::Utf16ToUtf8(s, std::char_traits<char16_t>::length(s), out);
-    return out;
-}
+std::string Utf8(char16_t const *s) { return s ? detail::ToUtf8(s) : std::string(); }
 
-std::u16string Wide(xmlChar const *s) {
-    std::u16string out;
-    if (!s) return out;
-    auto const *p = reinterpret_cast<char const *>(s);
-    detail::Utf8ToUtf16(p, std::strlen(p), out);
-    return out;
-}
+std::u16string Wide(xmlChar const *s) { return s ? detail::ToUtf16(reinterpret_cast<char const *>(s)) : u""; }
 
 // The kinds of node a cursor may stand on.
 bool IsWorkable(xmlNodePtr n) {

@@ -28,9 +28,9 @@ int CheckNode(tree::node const *n, tree::node const *parent, string const *low, 
     EXPECT_LE(n->mCount, 2);
     for (int i = 0; i < n->mCount; ++i) {
         string const &k = n->mKey[i]->mKey;
-        if (i > 0) EXPECT_LT(n->mKey[i - 1]->mKey.Compare(k), 0);
-        if (low) EXPECT_LT(low->Compare(k), 0);
-        if (high) EXPECT_LT(k.Compare(*high), 0);
+        if (i > 0) { EXPECT_LT(n->mKey[i - 1]->mKey.Compare(k), 0); }
+        if (low) { EXPECT_LT(low->Compare(k), 0); }
+        if (high) { EXPECT_LT(k.Compare(*high), 0); }
     }
     keys += n->mCount;
     if (n->IsLeaf()) {

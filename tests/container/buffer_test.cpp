@@ -22,7 +22,8 @@ TEST(BufferSharing, ChangesShowThroughEveryHandle) {
     EXPECT_EQ(a.Size(), 10);
     buffer c;
     c = a;
-    c = c;
+    auto const &same = c;
+    c = same;
     EXPECT_EQ(a.Body()->Counter(), 3u);
 }
 

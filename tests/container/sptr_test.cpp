@@ -68,7 +68,8 @@ TEST(SptrAttach, SameElementChangesNothingNotEvenTheMark) {
     sptr<tracked> a(new tracked(&alive));
     a.Attach(a.Get(), true);
     EXPECT_FALSE(a.Reference());
-    a = a;
+    auto const &same = a;
+    a = same;
     EXPECT_EQ(a.Body()->Counter(), 1u);
     a = nullptr;
     EXPECT_EQ(alive, 0);

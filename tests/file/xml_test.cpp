@@ -353,7 +353,7 @@ TEST_F(Xml, SaveKeepsPermissionsOwnerAndLinks) {
     std::string target = mDir.Path("real.xml");
     mDir.Write("real.xml", "<old/>");
     ::chmod(target.c_str(), 0600);
-    if (IsRoot()) ASSERT_EQ(::chown(target.c_str(), kNobody, kNobody), 0);
+    if (IsRoot()) { ASSERT_EQ(::chown(target.c_str(), kNobody, kNobody), 0); }
     ASSERT_EQ(::symlink("real.xml", mDir.Path("link.xml").c_str()), 0);
     ASSERT_TRUE(doc.Save(mDir.Wide("link.xml").c_str()));
     struct stat st {};
@@ -361,7 +361,7 @@ TEST_F(Xml, SaveKeepsPermissionsOwnerAndLinks) {
     EXPECT_TRUE(S_ISLNK(st.st_mode));  // the link stays a link
     ASSERT_EQ(::stat(target.c_str(), &st), 0);
     EXPECT_EQ(st.st_mode & 07777, 0600u);
-    if (IsRoot()) EXPECT_EQ(st.st_uid, kNobody);
+    if (IsRoot()) { EXPECT_EQ(st.st_uid, kNobody); }
     EXPECT_NE(mDir.Read("real.xml").find("<root VERSION"), std::string::npos);
     EXPECT_EQ(std::filesystem::directory_iterator(mDir.Path()) == std::filesystem::directory_iterator(), false);
     for (auto const &entry : std::filesystem::directory_iterator(mDir.Path())) {

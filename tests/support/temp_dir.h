@@ -6,7 +6,7 @@
 #include <iterator>
 #include <string>
 
-#include "utf8.h"
+#include "qor/tools/string_converter.h"
 
 namespace qor::tools::testing {
 
@@ -23,10 +23,8 @@ public:
     std::string Path(std::string const &name = "") const { return name.empty() ? mPath : mPath + "/" + name; }
     // The path as UTF-16, for the library's interfaces.
     std::u16string Wide(std::string const &name = "") const {
-        std::u16string out;
-        std::string p = Path(name);
-        detail::Utf8ToUtf16(p.data(), p.size(), out);
-        return out;
+        string::converter text;
+        return string::Safe(text.Utf8(Path(name).c_str()));
     }
     void Write(std::string const &name, std::string const &bytes) const {
         std::ofstream(Path(name), std::ios::binary) << bytes;

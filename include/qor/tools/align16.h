@@ -6,9 +6,11 @@
 // owns it if the source did, so owners are not copied this way: Clone copies.
 #pragma once
 
+#include "qor/tools/export.h"
+
 namespace qor::tools {
 
-class align16 {
+class QOR_TOOLS_API align16 {
 public:
     align16() noexcept = default;
     explicit align16(int size) { Alloc(size); }

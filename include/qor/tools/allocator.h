@@ -3,13 +3,15 @@
 // buffer::Attach must have been made by ArrayAlloc.
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <cstddef>
 
 namespace qor::tools {
 
 // Returns a block of `bytes` bytes, or null when `bytes` is 0 or memory is out.
-void *ArrayAlloc(std::size_t bytes);
+QOR_TOOLS_API void *ArrayAlloc(std::size_t bytes);
 // Frees a block of ArrayAlloc; null is ignored.
-void ArrayFree(void *block);
+QOR_TOOLS_API void ArrayFree(void *block);
 
 }  // namespace qor::tools

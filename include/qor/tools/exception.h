@@ -7,11 +7,13 @@
 //   try { ... } catch (qor::tools::exception const &e) { use(e.mCode, e.mMessage); }
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include "qor/tools/string.h"
 
 namespace qor::tools {
 
-class exception {
+class QOR_TOOLS_API exception {
 public:
     explicit exception(int code) : mCode(code) {}
     // The text is made by string::FormatV, so '%' in it is active.

@@ -12,6 +12,8 @@
 //   const char16_t *p = s;        // usable directly, may be null
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <cstdarg>
 #include <string_view>
 
@@ -22,7 +24,7 @@ namespace pif::array { struct object; }
 template <typename T, typename P> class array;
 }  // namespace container
 
-class string {
+class QOR_TOOLS_API string {
 public:
     // Header of a text block; the text follows it in the same allocation.
     struct HANDLE {
@@ -210,11 +212,9 @@ private:
     static void _Insert(char16_t *text, int size, int pos, int n) noexcept;
     static void _Remove(char16_t *text, int size, int pos, int n) noexcept;
 
-public:
-    static int _SpaceMatching(char16_t const *text, int length, int start, bool wanted, bool wide,
-                              bool reverse, bool space) noexcept;
+    static int _SpaceMatching(char16_t const *text, int length, int start, bool wanted, bool wide, bool reverse,
+                              bool space) noexcept;
 
-private:
     char16_t *mText;
 };
 

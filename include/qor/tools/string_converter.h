@@ -11,6 +11,8 @@
 // The statics need no object: converter::Int(u" 42"), converter::HalfFull(u"ｶﾞ").
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include "qor/tools/container/array.h"
 #include "qor/tools/container/buffer.h"
 #include "qor/tools/container/two.h"
@@ -18,7 +20,7 @@
 
 namespace qor::tools {
 
-class string::converter : public container::buffer {
+class QOR_TOOLS_API string::converter : public container::buffer {
 public:
     enum unitype { Latin = 0, Hiragana, Katakana, Kanji, FullDigit, FullUpper, FullLower, HalfKana, Other };
     using runs = container::array<container::two<int, int>, container::pif::array::object>;

@@ -7,17 +7,16 @@
 //   w.Log(u"work", nullptr);    // one line appended to "/watch.log"
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <cstdint>
 
 #include "qor/tools/string.h"
+#include "qor/tools/thread/critical.h"
 
 namespace qor::tools {
 
-namespace thread {
-class critical;
-}
-
-class watch {
+class QOR_TOOLS_API watch {
 public:
     explicit watch(bool start = false);
     watch(watch const &) = default;
@@ -61,7 +60,7 @@ protected:
 
     static std::int64_t mQPFTicksPerSec;
     static bool mInitialize;
-    static thread::critical &mTickCountSection;
+    static thread::critical mTickCountSection;
     static std::int64_t mLastTickCount;
     static unsigned long mTickCounter;
 };

@@ -42,6 +42,68 @@ public:
         int mPosition;
     };
 
+    // Walks the entries in key order, keeping the path from the root
+    // (deepest step last).
+    class iterator {
+    public:
+        explicit iterator(btree const *tree) : mTree(tree) { First(); }
+        virtual ~iterator() = default;
+
+        bool IsValid() const noexcept { return mPath.Size() > 0; }
+        K const &Key() const { return Current()->mKey; }
+        V *Value() const { return Current()->mValue; }
+
+        void First() {
+            mPath.Release();
+            node *root = mTree->mRoot;
+            if (root->mCount == 0) return;
+            _Descend(root);
+        }
+        void Next() {
+            if (!IsValid()) return;
+            _index &top = *mPath.Last();
+            node *n = top.mNode;
+            int i = (top.mPosition - 1) / 2;
+            if (n->mChild[i + 1]) {
+                top.mPosition = 2 * (i + 1);
+                _Descend(n->mChild[i + 1]);
+                return;
+            }
+            if (i + 1 < n->mCount) {
+                top.mPosition = 2 * (i + 1) + 1;
+                return;
+            }
+            // Climb until a node has a key right of the child we came from.
+            mPath.Remove(mPath.Size() - 1);
+            while (IsValid()) {
+                _index &up = *mPath.Last();
+                int child = up.mPosition / 2;
+                if (child < up.mNode->mCount) {
+                    up.mPosition = 2 * child + 1;
+                    return;
+                }
+                mPath.Remove(mPath.Size() - 1);
+            }
+        }
+
+    private:
+        entry *Current() const {
+            _index const &top = *mPath.Last();
+            return top.mNode->mKey[(top.mPosition - 1) / 2];
+        }
+        // Steps down the leftmost branch of `n`.
+        void _Descend(node *n) {
+            while (n->mChild[0]) {
+                mPath.Add(new _index{n, 0});
+                n = n->mChild[0];
+            }
+            mPath.Add(new _index{n, 1});
+        }
+
+        btree const *mTree;
+        set<_index> mPath;
+    };
+
     btree() : mRoot(new node) {}
     btree(btree const &) = delete;
     btree &operator=(btree const &) = delete;
@@ -207,65 +269,14 @@ public:
     using node = typename body::node;
     using _index = typename body::_index;
 
-    // Walks the entries in key order, keeping the path from the root.
-    class iterator {
+    // Walks the entries in key order; the body's iterator, on a handle that
+    // keeps the tree alive while it walks.
+    class iterator : public body::iterator {
     public:
-        explicit iterator(btree const &tree) : mTree(tree) { First(); }
-        virtual ~iterator() = default;
-
-        bool IsValid() const noexcept { return mPath.Size() > 0; }
-        K const &Key() const { return Current()->mKey; }
-        V *Value() const { return Current()->mValue; }
-
-        void First() {
-            mPath.Release();
-            node *root = mTree.Body()->mRoot;
-            if (root->mCount == 0) return;
-            _Descend(root, 0);
-        }
-        void Next() {
-            if (!IsValid()) return;
-            _index &top = *mPath.Last();
-            node *n = top.mNode;
-            int i = (top.mPosition - 1) / 2;
-            if (n->mChild[i + 1]) {
-                top.mPosition = 2 * (i + 1);
-                _Descend(n->mChild[i + 1], 0);
-                return;
-            }
-            if (i + 1 < n->mCount) {
-                top.mPosition = 2 * (i + 1) + 1;
-                return;
-            }
-            // Climb until a node has a key right of the child we came from.
-            mPath.Remove(mPath.Size() - 1);
-            while (IsValid()) {
-                _index &up = *mPath.Last();
-                int child = up.mPosition / 2;
-                if (child < up.mNode->mCount) {
-                    up.mPosition = 2 * child + 1;
-                    return;
-                }
-                mPath.Remove(mPath.Size() - 1);
-            }
-        }
+        explicit iterator(btree const &tree) : body::iterator(tree.Body()), mTree(tree) {}
 
     private:
-        typename body::entry *Current() const {
-            _index const &top = *mPath.Last();
-            return top.mNode->mKey[(top.mPosition - 1) / 2];
-        }
-        // Steps down the leftmost branch of `n`.
-        void _Descend(node *n, int) {
-            while (n->mChild[0]) {
-                mPath.Add(new _index{n, 0});
-                n = n->mChild[0];
-            }
-            mPath.Add(new _index{n, 1});
-        }
-
         btree mTree;
-        set<_index> mPath;
     };
 
     btree() = default;

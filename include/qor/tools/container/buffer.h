@@ -11,13 +11,15 @@
 //   b.Fill(1);           // seen through a
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include "qor/tools/container/base.h"
 
 namespace qor::tools::container {
 
 namespace base {
 
-class buffer : public _elem<unsigned char *, pif::array::_base> {
+class QOR_TOOLS_API buffer : public _elem<unsigned char *, pif::array::_base> {
 public:
     explicit buffer(int size = 0, bool clear = false);
     // Member-wise: count, mark, pointer and size; the bytes are not copied.
@@ -55,7 +57,7 @@ private:
 
 }  // namespace base
 
-class buffer : public base::_base<base::buffer> {
+class QOR_TOOLS_API buffer : public base::_base<base::buffer> {
 public:
     explicit buffer(int size = 0, bool clear = false) : base::_base<base::buffer>(new base::buffer(size, clear)) {}
     buffer(buffer const &other) noexcept : base::_base<base::buffer>(other) {}

@@ -34,15 +34,15 @@ public:
     }
 
     // Links a new node behind `after` (null: at the very front).
-    node *Insert(node *after, T *object) {
+    node *Insert(node *after, T *element) {
         node *next = after ? after->mNext : mHead;
         node *n = mSpare;
         if (n) {
             mSpare = n->mNext;
             --mSpareCount;
-            *n = node{object, after, next};
+            *n = node{element, after, next};
         } else {
-            n = new node{object, after, next};
+            n = new node{element, after, next};
         }
         if (after) after->mNext = n; else mHead = n;
         if (next) next->mPrev = n; else mTail = n;
@@ -56,7 +56,7 @@ public:
         mHead = n->mNext;
         if (mHead) mHead->mPrev = nullptr; else mTail = nullptr;
         --mCount;
-        T *object = n->mObject;
+        T *element = n->mObject;
         // A few nodes are kept for the next elements: a line that is filled
         // and emptied again and again allocates nothing.
         if (mSpareCount < kSpareNodes) {
@@ -66,7 +66,7 @@ public:
         } else {
             delete n;
         }
-        return object;
+        return element;
     }
     void Clear() {
         while (mHead) P::GiveBack(TakeFirst());
@@ -100,8 +100,8 @@ public:
         return *this;
     }
 
-    node *Insert(node *after, T *object) { return this->mBody->Insert(after, object); }
-    node *Append(T *object) { return this->mBody->Insert(this->mBody->mTail, object); }
+    node *Insert(node *after, T *element) { return this->mBody->Insert(after, element); }
+    node *Append(T *element) { return this->mBody->Insert(this->mBody->mTail, element); }
     T *TakeFirst() noexcept { return this->mBody->TakeFirst(); }
     T *First() const noexcept { return this->mBody->mHead ? this->mBody->mHead->mObject : nullptr; }
     node *Head() const noexcept { return this->mBody->mHead; }
@@ -114,7 +114,7 @@ public:
 template <typename T, typename P = pif::object>
 class queue : public list<T, P> {
 public:
-    void Push(T *object) { this->Append(object); }
+    void Push(T *element) { this->Append(element); }
     T *Pop() noexcept { return this->TakeFirst(); }
     T *Peek() const noexcept { return this->First(); }
 };

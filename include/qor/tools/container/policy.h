@@ -9,21 +9,23 @@
 //   pif::set::object    pointer elements that are deleted unless the body's mark is set
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include "qor/tools/allocator.h"
 
 namespace qor::tools::container::pif {
 
-struct none {
+struct QOR_TOOLS_API none {
     template <typename T>
     static void GiveBack(T *) noexcept {}
 };
 
-struct object {
+struct QOR_TOOLS_API object {
     template <typename T>
     static void GiveBack(T *p) { delete p; }
 };
 
-struct com {
+struct QOR_TOOLS_API com {
     template <typename T>
     static void GiveBack(T *p) { p->Release(); }
 };
@@ -31,17 +33,17 @@ struct com {
 namespace array {
 
 // Common base of array policies: the block comes from the array allocator.
-struct _base {
+struct QOR_TOOLS_API _base {
     static void *AllocBlock(std::size_t bytes) { return ArrayAlloc(bytes); }
     static void FreeBlock(void *block) noexcept { ArrayFree(block); }
 };
 
-struct object : _base {
+struct QOR_TOOLS_API object : _base {
     template <typename T>
     static void Destroy(T &element, bool) { element.~T(); }
 };
 
-struct data : _base {
+struct QOR_TOOLS_API data : _base {
     template <typename T>
     static void Destroy(T &, bool) noexcept {}
 };
@@ -50,7 +52,7 @@ struct data : _base {
 
 namespace set {
 
-struct object : array::data {
+struct QOR_TOOLS_API object : array::data {
     template <typename T>
     static void Destroy(T *&element, bool reference) {
         if (!reference) delete element;

@@ -12,25 +12,25 @@ template <typename T, typename P = pif::object>
 class ptr : public P {
 public:
     ptr() noexcept : mObject(nullptr) {}
-    explicit ptr(T *object) noexcept : mObject(object) {}
+    explicit ptr(T *element) noexcept : mObject(element) {}
     ptr(ptr const &) = delete;
     ptr &operator=(ptr const &) = delete;
     virtual ~ptr() {
         if (mObject) P::GiveBack(mObject);
     }
 
-    // Gives back the held object (if it is another one) and holds `object`.
-    ptr &operator=(T *object) {
-        if (object != mObject) {
+    // Gives back the held object (if it is another one) and holds `element`.
+    ptr &operator=(T *element) {
+        if (element != mObject) {
             if (mObject) P::GiveBack(mObject);
-            mObject = object;
+            mObject = element;
         }
         return *this;
     }
     T *Detach() noexcept {
-        T *object = mObject;
+        T *element = mObject;
         mObject = nullptr;
-        return object;
+        return element;
     }
     T *Get() const noexcept { return mObject; }
     operator T *() const noexcept { return mObject; }

@@ -2,6 +2,8 @@
 // (as in thread::worker::functionT<empty>).
 #pragma once
 
+#include "qor/tools/export.h"
+
 namespace qor::tools::container {
 
 template <typename A, typename B>
@@ -10,6 +12,6 @@ struct two {
     B mSecond;
 };
 
-struct empty {};
+struct QOR_TOOLS_API empty {};
 
 }  // namespace qor::tools::container

@@ -7,6 +7,8 @@
 // table's schema through a session) and read-only afterwards; copies share.
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <cstdint>
 
 #include "qor/tools/container/array.h"
@@ -18,7 +20,7 @@ namespace qor::tools::database {
 
 class session;
 
-class column {
+class QOR_TOOLS_API column {
 public:
     // One column's description.
     class info {

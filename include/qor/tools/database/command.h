@@ -14,6 +14,8 @@
 // directions work on every database.
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <cstdarg>
 #include <cstdint>
 #include <memory>
@@ -28,7 +30,7 @@ class rowset;
 
 namespace qor::tools::database {
 
-class command : public record {
+class QOR_TOOLS_API command : public record {
 public:
     enum option : std::uint32_t {
         optServerCursor = 1,
@@ -127,7 +129,7 @@ private:
     bool _Has(std::uint32_t bit) const noexcept { return (mOptions & bit) != 0; }
     bool _Move(HRESULT restart, std::int64_t offset, bool forward);
     std::u16string _TableName() const;
-    platform::odbc::connection *_Connection() const;
+    QOR_TOOLS_LOCAL platform::odbc::connection *_Connection() const;
 };
 
 }  // namespace qor::tools::database

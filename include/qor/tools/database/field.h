@@ -15,6 +15,8 @@
 // fields are not copied around casually: operators return references.
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <cstdint>
 
 #include "qor/tools/container/buffer.h"
@@ -24,7 +26,7 @@ namespace qor::tools::database {
 
 class stream;
 
-class field {
+class QOR_TOOLS_API field {
 public:
     field() noexcept = default;
     field(field const &other);

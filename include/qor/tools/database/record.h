@@ -11,6 +11,8 @@
 // a record copy.
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include "qor/tools/container/array.h"
 #include "qor/tools/container/buffer.h"
 #include "qor/tools/container/sptr.h"
@@ -21,7 +23,7 @@ namespace qor::tools::database {
 
 class session;
 
-class record {
+class QOR_TOOLS_API record {
 public:
     record() = default;
     record(record const &other) { _Copy(other); }
@@ -73,7 +75,7 @@ private:
     void _ForgetView();
 };
 
-class rset : public container::array<record, container::pif::array::object> {
+class QOR_TOOLS_API rset : public container::array<record, container::pif::array::object> {
 public:
     explicit rset(int size = 100);
     rset(rset const &other);

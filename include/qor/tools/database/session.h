@@ -13,6 +13,8 @@
 // "SQL Serverに接続できません。..." and answers false.
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -36,7 +38,7 @@ inline constexpr long ISOLATIONLEVEL_READCOMMITTED = 0x1000;
 inline constexpr long ISOLATIONLEVEL_REPEATABLEREAD = 0x10000;
 inline constexpr long ISOLATIONLEVEL_SERIALIZABLE = 0x100000;
 
-class session {
+class QOR_TOOLS_API session {
 public:
     using texts = container::array<string, container::pif::array::object>;
 
@@ -73,7 +75,7 @@ public:
     // Every statement sent on this connection (the last 1,000).
     std::vector<std::u16string> StatementLog() const;
     platform::odbc::connection *_Connection() const noexcept { return mSession.get(); }
-    platform::odbc::dialect const &_Dialect() const;
+    QOR_TOOLS_LOCAL platform::odbc::dialect const &_Dialect() const;
 
     static constexpr std::uint32_t kTransaction = 1, kTransactionError = 2;
 

@@ -7,6 +7,8 @@
 // original does): judge success by `*done`.
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <cstdint>
 
 #include "qor/tools/container/buffer.h"
@@ -15,7 +17,7 @@
 
 namespace qor::tools::database {
 
-class stream : public ISequentialStream {
+class QOR_TOOLS_API stream : public ISequentialStream {
 public:
     stream() noexcept = default;
     stream(stream const &other);

@@ -13,6 +13,8 @@
 // deciphers into noise and is not detected here.
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <array>
 #include <cstdint>
 
@@ -21,7 +23,7 @@
 
 namespace qor::tools::file {
 
-class Crypto {
+class QOR_TOOLS_API Crypto {
 public:
     enum class keylength { rc4_128, rc4_40 };
 

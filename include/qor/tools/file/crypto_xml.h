@@ -9,11 +9,13 @@
 //   std::unique_ptr<file::xml> fixed(file::xml::CreateCryptoXml(u"app.dat"));  // built-in password
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include "qor/tools/file/xml.h"
 
 namespace qor::tools::file {
 
-class CryptoXml : public xml {
+class QOR_TOOLS_API CryptoXml : public xml {
 public:
     CryptoXml() = default;
     CryptoXml(CryptoXml const &) = default;

@@ -13,6 +13,8 @@
 //   table.SaveUnicode(u"out.csv");
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <string_view>
 #include <vector>
 
@@ -21,7 +23,7 @@
 
 namespace qor::tools::file {
 
-class csv {
+class QOR_TOOLS_API csv {
 public:
     class row {
     public:

@@ -8,6 +8,8 @@
 // Copies share the running search.
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <memory>
 
 #include "qor/tools/container/two.h"
@@ -20,7 +22,7 @@ class folder_search;
 
 namespace qor::tools::file {
 
-class find {
+class QOR_TOOLS_API find {
 public:
     explicit find(char16_t const *folder);
     find(char16_t const *folder, char16_t const *mask);

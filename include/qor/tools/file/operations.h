@@ -8,6 +8,8 @@
 //   file::TrashBox(FO_DELETE, u"/data/old.txt", nullptr);   // to the desktop trash
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include "qor/tools/string.h"
 
 namespace qor::tools {
@@ -21,25 +23,25 @@ namespace file {
 
 class find;
 
-void Move(char16_t const *from, char16_t const *to, bool overwrite);
-void CreateFolder(char16_t const *path);
-void RemoveFolder(char16_t const *path, bool force);
-void RenameFolder(char16_t const *from, char16_t const *to, bool force);
-void CopyFolder(char16_t const *from, char16_t const *to, bool overwrite, bool attributes);
-void MoveFolder(char16_t const *from, char16_t const *to, bool overwrite);
-void CopyAttribute(char16_t const *from, char16_t const *to);
+QOR_TOOLS_API void Move(char16_t const *from, char16_t const *to, bool overwrite);
+QOR_TOOLS_API void CreateFolder(char16_t const *path);
+QOR_TOOLS_API void RemoveFolder(char16_t const *path, bool force);
+QOR_TOOLS_API void RenameFolder(char16_t const *from, char16_t const *to, bool force);
+QOR_TOOLS_API void CopyFolder(char16_t const *from, char16_t const *to, bool overwrite, bool attributes);
+QOR_TOOLS_API void MoveFolder(char16_t const *from, char16_t const *to, bool overwrite);
+QOR_TOOLS_API void CopyAttribute(char16_t const *from, char16_t const *to);
 // FO_DELETE sends `from` to the desktop trash; FO_MOVE, FO_COPY and FO_RENAME
 // are plain operations on `from` and `to`.
-void TrashBox(int operation, char16_t const *from, char16_t const *to);
+QOR_TOOLS_API void TrashBox(int operation, char16_t const *from, char16_t const *to);
 // The folder chooser titled "フォルダの選択"; empty when cancelled or with no display.
-string SelectFolder(void *owner);
+QOR_TOOLS_API string SelectFolder(void *owner);
 
-void _ClearReadOnly(char16_t const *path);
-void _RemoveFile(char16_t const *path, bool force);
-void _CopyFile(char16_t const *from, char16_t const *to, bool overwrite);
-string _NormalizePath(char16_t const *path);
-string _DriveOf(char16_t const *path);
-void _Walk(char16_t const *folder, void *context, void (*callback)(void *context, find &entry));
+QOR_TOOLS_API void _ClearReadOnly(char16_t const *path);
+QOR_TOOLS_API void _RemoveFile(char16_t const *path, bool force);
+QOR_TOOLS_API void _CopyFile(char16_t const *from, char16_t const *to, bool overwrite);
+QOR_TOOLS_API string _NormalizePath(char16_t const *path);
+QOR_TOOLS_API string _DriveOf(char16_t const *path);
+QOR_TOOLS_API void _Walk(char16_t const *folder, void *context, void (*callback)(void *context, find &entry));
 
 }  // namespace file
 

@@ -23,6 +23,8 @@
 // symbolic link written through).
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <memory>
 
 #include "qor/tools/string.h"
@@ -33,7 +35,7 @@ class xml_document;
 
 namespace qor::tools::file {
 
-class xml {
+class QOR_TOOLS_API xml {
 public:
     xml();
     explicit xml(char16_t const *path);
@@ -102,7 +104,7 @@ protected:
 
 private:
     bool _Move(void *target);
-    void _Share(std::shared_ptr<platform::xml_document> const &document);
+    QOR_TOOLS_LOCAL void _Share(std::shared_ptr<platform::xml_document> const &document);
 };
 
 }  // namespace qor::tools::file

@@ -8,13 +8,15 @@
 //   arc quarter(pointd(0, 0), pointd(1, 0), pointd(0, 1)); // 90 degrees
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <cstdint>
 
 #include "qor/tools/graphic/line.h"
 
 namespace qor::tools::graphic {
 
-class circle {
+class QOR_TOOLS_API circle {
 public:
     circle() noexcept = default;
     circle(pointd const &a, pointd const &b, pointd const &c) noexcept { Set(a, b, c); }
@@ -39,7 +41,7 @@ public:
     double mRadius = 0;
 };
 
-class arc : public circle {
+class QOR_TOOLS_API arc : public circle {
 public:
     arc() noexcept = default;
     arc(pointd const &center, pointd const &p1, pointd const &p2) noexcept { Set(center, p1, p2); }

@@ -8,13 +8,15 @@
 //   pointd foot = line::Intersection(p, l);
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <cstdint>
 
 #include "qor/tools/graphic/pointd.h"
 
 namespace qor::tools::graphic {
 
-class line {
+class QOR_TOOLS_API line {
 public:
     enum class eStatus : std::int32_t { Invalid = -1, Normal = 0, Vertical = 1, Horizontal = 2 };
 

@@ -8,6 +8,8 @@
 //   double sweep = angle::Get(a, centre, b); // in (0, 360]
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include "qor/tools/direct2d/float_types.h"
 
 namespace qor::tools::graphic {
@@ -16,7 +18,7 @@ inline constexpr double pi = 3.141592653589793;
 
 class pointd;
 
-class vector {
+class QOR_TOOLS_API vector {
 public:
     vector() noexcept = default;
     vector(D2D_POINT_2F const &p) noexcept : x(p.x), y(p.y) {}
@@ -39,7 +41,7 @@ public:
     double y = 0;
 };
 
-class pointd {
+class QOR_TOOLS_API pointd {
 public:
     pointd() noexcept = default;
     pointd(double px, double py) noexcept : x(px), y(py) {}
@@ -69,7 +71,7 @@ public:
     double y = 0;
 };
 
-class angle {
+class QOR_TOOLS_API angle {
 public:
     angle() noexcept {}
     angle(angle const &) noexcept = default;

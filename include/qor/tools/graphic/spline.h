@@ -8,13 +8,15 @@
 //   double y = s.Value(2.5);
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include "qor/tools/container/array.h"
 #include "qor/tools/container/sptr.h"
 #include "qor/tools/graphic/line.h"
 
 namespace qor::tools::graphic {
 
-class spline {
+class QOR_TOOLS_API spline {
 public:
     using values = container::array<double>;
 

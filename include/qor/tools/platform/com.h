@@ -4,6 +4,8 @@
 // new count and the object deletes itself at 0.
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -11,7 +13,7 @@
 
 namespace qor::tools {
 
-struct GUID {
+struct QOR_TOOLS_API GUID {
     std::uint32_t Data1;
     std::uint16_t Data2;
     std::uint16_t Data3;
@@ -33,7 +35,7 @@ inline constexpr IID IID_IUnknown = {0x00000000, 0x0000, 0x0000, {0xC0, 0, 0, 0,
 inline constexpr IID IID_ISequentialStream = {0x0c733a30, 0x2a1c, 0x11ce, {0xad, 0xe5, 0x00, 0xaa, 0x00, 0x44, 0x77, 0x3d}};
 inline constexpr IID IID_IStream = {0x0000000c, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
-struct IUnknown {
+struct QOR_TOOLS_API IUnknown {
     static constexpr IID const &iid = IID_IUnknown;
     virtual HRESULT QueryInterface(REFIID riid, void **out) = 0;
     virtual ULONG AddRef() = 0;
@@ -43,7 +45,7 @@ protected:
     ~IUnknown() = default;
 };
 
-struct ISequentialStream : IUnknown {
+struct QOR_TOOLS_API ISequentialStream : IUnknown {
     static constexpr IID const &iid = IID_ISequentialStream;
     virtual HRESULT Read(void *out, ULONG count, ULONG *done) = 0;
     virtual HRESULT Write(void const *data, ULONG count, ULONG *done) = 0;
@@ -54,7 +56,7 @@ protected:
 
 enum STREAM_SEEK : DWORD { STREAM_SEEK_SET = 0, STREAM_SEEK_CUR = 1, STREAM_SEEK_END = 2 };
 
-struct IStream : ISequentialStream {
+struct QOR_TOOLS_API IStream : ISequentialStream {
     static constexpr IID const &iid = IID_IStream;
     virtual HRESULT Seek(std::int64_t move, DWORD origin, std::uint64_t *position) = 0;
     virtual HRESULT SetSize(std::uint64_t size) = 0;
@@ -72,15 +74,15 @@ inline constexpr DWORD CLSCTX_INPROC_SERVER = 1;
 inline constexpr DWORD CLSCTX_ALL = 23;
 
 // A thread-local initialisation count; there is nothing else to set up.
-HRESULT CoInitialize(void *reserved);
-void CoUninitialize();
+QOR_TOOLS_API HRESULT CoInitialize(void *reserved);
+QOR_TOOLS_API void CoUninitialize();
 // No class factories are registered: the answer is REGDB_E_CLASSNOTREG.
-HRESULT CoCreateInstance(GUID const &clsid, IUnknown *outer, DWORD context, REFIID iid, void **out);
+QOR_TOOLS_API HRESULT CoCreateInstance(GUID const &clsid, IUnknown *outer, DWORD context, REFIID iid, void **out);
 // No ProgIDs are registered: the answer is CO_E_CLASSSTRING.
-HRESULT CLSIDFromProgID(char16_t const *progid, GUID *clsid);
+QOR_TOOLS_API HRESULT CLSIDFromProgID(char16_t const *progid, GUID *clsid);
 
-void *CoTaskMemAlloc(std::size_t bytes);
-void *CoTaskMemRealloc(void *block, std::size_t bytes);
-void CoTaskMemFree(void *block);
+QOR_TOOLS_API void *CoTaskMemAlloc(std::size_t bytes);
+QOR_TOOLS_API void *CoTaskMemRealloc(void *block, std::size_t bytes);
+QOR_TOOLS_API void CoTaskMemFree(void *block);
 
 }  // namespace qor::tools

@@ -3,16 +3,18 @@
 // size in two halves and the name.
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include "qor/tools/platform/types.h"
 
 namespace qor::tools {
 
-struct FILETIME {
+struct QOR_TOOLS_API FILETIME {
     DWORD dwLowDateTime;
     DWORD dwHighDateTime;
 };
 
-struct WIN32_FIND_DATAW {
+struct QOR_TOOLS_API WIN32_FIND_DATAW {
     DWORD dwFileAttributes;
     FILETIME ftCreationTime;
     FILETIME ftLastAccessTime;

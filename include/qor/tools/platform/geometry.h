@@ -3,14 +3,16 @@
 // published Direct2D float records.
 #pragma once
 
+#include "qor/tools/export.h"
+
 namespace qor::tools {
 
-struct CPoint {
+struct QOR_TOOLS_API CPoint {
     int x = 0;
     int y = 0;
 };
 
-struct CRect {
+struct QOR_TOOLS_API CRect {
     int left = 0;
     int top = 0;
     int right = 0;
@@ -18,19 +20,19 @@ struct CRect {
 };
 using tagRECT = CRect;
 
-struct D2D_POINT_2F {
+struct QOR_TOOLS_API D2D_POINT_2F {
     float x = 0;
     float y = 0;
 };
 using D2D1_POINT_2F = D2D_POINT_2F;
 
-struct D2D_SIZE_F {
+struct QOR_TOOLS_API D2D_SIZE_F {
     float width = 0;
     float height = 0;
 };
 using D2D1_SIZE_F = D2D_SIZE_F;
 
-struct D2D1_RECT_F {
+struct QOR_TOOLS_API D2D1_RECT_F {
     float left = 0;
     float top = 0;
     float right = 0;

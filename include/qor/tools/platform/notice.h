@@ -3,6 +3,8 @@
 // Tests and applications replace it with SetNoticeHook, to assert or show it.
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <functional>
 
 namespace qor::tools {
@@ -14,8 +16,8 @@ inline constexpr int IDOK = 1;
 using notice_hook = std::function<int(char16_t const *text, char16_t const *caption, unsigned type)>;
 
 // Installs `hook` (an empty one restores the default) and returns the old one.
-notice_hook SetNoticeHook(notice_hook hook);
+QOR_TOOLS_API notice_hook SetNoticeHook(notice_hook hook);
 
-int MessageBoxW(void *owner, char16_t const *text, char16_t const *caption, unsigned type);
+QOR_TOOLS_API int MessageBoxW(void *owner, char16_t const *text, char16_t const *caption, unsigned type);
 
 }  // namespace qor::tools

@@ -2,6 +2,8 @@
 // with their Windows values and layouts.
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <cstdint>
 #include <cstring>
 
@@ -60,12 +62,12 @@ inline constexpr HRESULT DB_E_ABORTLIMITREACHED = static_cast<HRESULT>(0x80040E3
 inline constexpr HRESULT XACT_E_NOTRANSACTION = static_cast<HRESULT>(0x8004D00Eu);
 inline constexpr HCHAPTER DB_NULL_HCHAPTER = 0;
 
-struct DBOBJECT {
+struct QOR_TOOLS_API DBOBJECT {
     DWORD dwFlags;
     IID iid;
 };
 
-struct DBTIMESTAMP {
+struct QOR_TOOLS_API DBTIMESTAMP {
     std::int16_t year;
     std::uint16_t month;
     std::uint16_t day;
@@ -77,13 +79,13 @@ struct DBTIMESTAMP {
 using tagDBTIMESTAMP = DBTIMESTAMP;
 static_assert(sizeof(DBTIMESTAMP) == 16);
 
-struct DBID {
+struct QOR_TOOLS_API DBID {
     GUID uGuid;
     DWORD eKind;
     char16_t *pwszName;
 };
 
-struct tagDBCOLUMNINFO {
+struct QOR_TOOLS_API tagDBCOLUMNINFO {
     char16_t *pwszName;
     void *pTypeInfo;
     DBORDINAL iOrdinal;
@@ -96,7 +98,7 @@ struct tagDBCOLUMNINFO {
 };
 using DBCOLUMNINFO = tagDBCOLUMNINFO;
 
-struct tagDBBINDING {
+struct QOR_TOOLS_API tagDBBINDING {
     DBORDINAL iOrdinal;
     DBBYTEOFFSET obValue;
     DBBYTEOFFSET obLength;

@@ -7,13 +7,15 @@
 //   thread::critical::guard lock(mLock);   // held until the end of the scope
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <atomic>
 #include <mutex>
 #include <thread>
 
 namespace qor::tools::thread {
 
-class critical {
+class QOR_TOOLS_API critical {
 public:
     critical() = default;
     critical(critical const &) noexcept {}

@@ -6,11 +6,13 @@
 //   if (ready.IsEnable(0)) ...    // signalled?
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include "qor/tools/thread/handle.h"
 
 namespace qor::tools::thread {
 
-class event : public handle {
+class QOR_TOOLS_API event : public handle {
 public:
     explicit event(bool initial = false, bool manual = true, char16_t const *name = nullptr,
                    _SECURITY_ATTRIBUTES *security = nullptr)

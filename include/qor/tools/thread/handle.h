@@ -3,11 +3,13 @@
 // two owners would each close it. Base of event, mutex and timer.
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include "qor/tools/platform/kernel.h"
 
 namespace qor::tools::thread {
 
-class handle {
+class QOR_TOOLS_API handle {
 public:
     handle() noexcept = default;
     explicit handle(void *h) noexcept : mHandle(h) {}

@@ -11,13 +11,15 @@
 //   workers.Terminate();
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include "qor/tools/container/array.h"
 #include "qor/tools/thread/critical.h"
 #include "qor/tools/thread/worker.h"
 
 namespace qor::tools::thread {
 
-class manager {
+class QOR_TOOLS_API manager {
 public:
     manager();
     manager(manager const &) = default;

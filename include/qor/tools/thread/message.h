@@ -3,11 +3,13 @@
 // hand-over. Derive from it to carry a payload (broadcasts carry only the base).
 #pragma once
 
+#include "qor/tools/export.h"
+
 namespace qor::tools::thread {
 
 class worker;
 
-class message {
+class QOR_TOOLS_API message {
 public:
     explicit message(unsigned long id = 0, worker *from = nullptr) noexcept : mWorker(from), mId(id) {}
     explicit message(int id, worker *from = nullptr) noexcept : message(static_cast<unsigned long>(id), from) {}

@@ -4,11 +4,13 @@
 // Lock it by waiting on the handle; release it with ReleaseMutex.
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include "qor/tools/thread/handle.h"
 
 namespace qor::tools::thread {
 
-class mutex : public handle {
+class QOR_TOOLS_API mutex : public handle {
 public:
     mutex() noexcept = default;
     explicit mutex(char16_t const *name, bool owner = false, _SECURITY_ATTRIBUTES *security = nullptr)

@@ -9,11 +9,13 @@
 //   w->Wait(tick, INFINITE);           // result 3 on a tick
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include "qor/tools/thread/event.h"
 
 namespace qor::tools::thread {
 
-class timer : public event {
+class QOR_TOOLS_API timer : public event {
 public:
     timer() : event(false, true) {}
     timer(timer const &) noexcept = default;

@@ -14,6 +14,8 @@
 //   }
 #pragma once
 
+#include "qor/tools/export.h"
+
 #include <atomic>
 
 #include "qor/tools/container/array.h"
@@ -29,7 +31,7 @@ namespace qor::tools::thread {
 
 class manager;
 
-class worker {
+class QOR_TOOLS_API worker {
     friend class manager;
 
 public:

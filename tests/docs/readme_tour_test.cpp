@@ -1,0 +1,67 @@
+// The snippets of the README's tour, as they stand there, compiled and run.
+#include <gtest/gtest.h>
+
+#include <qor/tools.h>
+
+#include <unistd.h>
+
+#include "support/temp_dir.h"
+
+using namespace qor::tools;
+
+namespace {
+struct Photo {
+    virtual ~Photo() = default;
+};
+}  // namespace
+
+TEST(ReadmeTour, EverySnippetRuns) {
+    qor::tools::testing::temp_dir dir;
+    ASSERT_EQ(::chdir(dir.Path().c_str()), 0);
+    {
+        qor::tools::string s(u"日本語");
+        s.Format(u"%s: %d", u"count", 3);
+        qor::tools::string half = qor::tools::string::converter::FullHalf(u"ＡＢＣ");
+        EXPECT_TRUE(s == u"count: 3");
+        EXPECT_TRUE(half == u"ABC");
+    }
+    {
+        qor::tools::container::sptr<Photo> photo(new Photo);
+        qor::tools::container::hash<qor::tools::string, Photo, qor::tools::container::pif::object> byName;
+        byName.Set(u"cover", new Photo);
+        EXPECT_NE(byName.Find(u"cover"), nullptr);
+    }
+    {
+        qor::tools::thread::manager workers;
+        workers.Function(u"loader", [](qor::tools::thread::worker *w) {
+            while (w->Wait(INFINITE) >= 2) w->Message(true);
+        });
+        workers.Send(u"loader", new qor::tools::thread::message(1));
+        workers.Terminate();
+    }
+    {
+        std::u16string file = dir.Wide("app.db");
+        qor::tools::database::session db;
+        db.Driver(u"SQLite3");
+        ASSERT_TRUE(db.Open(u"embedded", file.c_str(), u"app", u""));
+        db.Execute(u"create table photos (id integer primary key, width integer)");
+        db.Execute(u"insert into photos values (7, 640)");
+        int width = 0;
+        qor::tools::database::command &photos = db.Table(u"photos", true);
+        if (photos.Select(u"where id = 7") && photos.MoveNext()) width = photos[u"width"];
+        EXPECT_EQ(width, 640);
+    }
+    {
+        dir.Write("settings.xml", "<settings><window><width>800</width></window></settings>");
+        qor::tools::file::xml settings(u"settings.xml");
+        settings.Int(u"/settings/window/width", 1024);
+        settings.Save(nullptr);
+        EXPECT_NE(dir.Read("settings.xml").find("1024"), std::string::npos);
+    }
+    {
+        qor::tools::graphic::circle c(qor::tools::graphic::pointd(0, 0), qor::tools::graphic::pointd(2, 0),
+                                      qor::tools::graphic::pointd(1, 1));
+        double area = c.Area();
+        EXPECT_NEAR(area, 3.141592653589793, 1e-12);
+    }
+}
