@@ -20,7 +20,7 @@ DWORD ErrorOf(int error) noexcept {
         case EXDEV: return ERROR_NOT_SAME_DEVICE;
         case EROFS: return ERROR_WRITE_PROTECT;
         case EIO: return ERROR_GEN_FAILURE;
-        case EEXIST: return ERROR_FILE_EXISTS;
+        case EEXIST: return ERROR_ALREADY_EXISTS;
         case EINVAL: return ERROR_INVALID_PARAMETER;
         case ENOSPC:
         case EDQUOT:

@@ -10,6 +10,7 @@
 
 #include "qor/tools/exception.h"
 #include "qor/tools/file/find.h"
+#include "qor/tools/platform/kernel.h"
 #include "support/as_user.h"
 #include "support/temp_dir.h"
 
@@ -76,6 +77,10 @@ TEST_F(FileOperations, CreateFolderWalksEveryPart) {
     EXPECT_TRUE(Exists(mDir.Path("x/y")));
     mDir.Write("file", "");
     EXPECT_EQ(Thrown([&] { file::CreateFolder(W("file/sub").c_str()); }), u"file CreateDirectory");
+    EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);  // the system's reason is kept (EEXIST)
+    mDir.Write("plain", "x");
+    EXPECT_EQ(Thrown([&] { file::_CopyFile(W("plain").c_str(), W("none/copy").c_str(), false); }), u"file CopyFile");
+    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
     EXPECT_TRUE(file::_DriveOf(u"c:\\data") == u"c:");
     EXPECT_TRUE(file::_DriveOf(u"/data").IsEmpty());
     EXPECT_TRUE(file::_NormalizePath(u"a\\b/c") == u"a/b/c");
