@@ -8,6 +8,7 @@
 #include "format.h"
 #include "qor/tools/allocator.h"
 #include "text_case.h"
+#include "text_scan.h"
 
 namespace qor::tools {
 
@@ -28,15 +29,52 @@ int BoundedLength(char16_t const *s, int n) noexcept {
     return i;
 }
 
-// The first occurrence of the `ls` units of `s` in `text`; never reads past either terminator.
+// The first occurrence of the `ls` units of `s` in `text`: a vectorised scan
+// for the first two units, then a comparison of the rest, which stops at the
+// first unit that differs (a terminator always does).
 char16_t const *SearchText(char16_t const *text, char16_t const *s, int ls) noexcept {
-    for (char16_t const *p = text; *p; ++p) {
-        if (*p != *s) continue;
-        int k = 1;
+    if (ls == 1) return detail::ScanUnit(text, s[0]);
+    for (char16_t const *p = detail::ScanPair(text, s[0], s[1]); p; p = detail::ScanPair(p + 1, s[0], s[1])) {
+        int k = 2;
         while (k < ls && p[k] == s[k]) ++k;
         if (k == ls) return p;
     }
     return nullptr;
+}
+
+// Positions of matches: the first few without an allocation.
+class matches {
+public:
+    matches() = default;
+    matches(matches const &) = delete;
+    matches &operator=(matches const &) = delete;
+    ~matches() {
+        if (mAt != mInline) delete[] mAt;
+    }
+    int Size() const noexcept { return mSize; }
+    int operator[](int i) const noexcept { return mAt[i]; }
+    void Add(int at) {
+        if (mSize == mRoom) {
+            int *more = new int[std::size_t(mRoom) * 2];
+            std::memcpy(more, mAt, std::size_t(mSize) * sizeof(int));
+            if (mAt != mInline) delete[] mAt;
+            mAt = more;
+            mRoom *= 2;
+        }
+        mAt[mSize++] = at;
+    }
+
+private:
+    int mInline[64];
+    int *mAt = mInline;
+    int mSize = 0;
+    int mRoom = 64;
+};
+
+// Whether `text` holds more than `start` units.
+bool Reaches(char16_t const *text, int start) noexcept {
+    if (start == 0) return text[0] != 0;
+    return start > 0 && detail::ScanLength(text, std::size_t(start) + 1) > std::size_t(start);
 }
 
 }  // namespace
@@ -301,13 +339,18 @@ string &string::Replace(int start, int length, char16_t to) {
 }
 
 void string::_Replace(char16_t const *from, char16_t const *to, int start, int count) {
-    if (count < 1 || Compare(from, to) == 0) return;
-    int own = Length();
-    if (start >= own) return;
-    int n = Count(mText, from, start);
-    if (n < 1) return;
+    if (count < 1 || !from || !*from || Compare(from, to) == 0 || !mText || !Reaches(mText, start)) return;
     int lf = Length(from), lt = Length(to);
-    int treated = count < n ? count : n;
+    // One pass finds the matches (and so the text's end), one builds the text.
+    matches found;
+    for (char16_t const *p = SearchText(mText + start, from, lf); p && found.Size() < count;
+         p = SearchText(p + lf, from, lf)) {
+        found.Add(int(p - mText));
+    }
+    int treated = found.Size();
+    if (treated < 1) return;
+    int tail = found[treated - 1] + lf;
+    int own = tail + Length(mText + tail);
     int length = own + treated * (lt - lf);
     string keepFrom(_Owns(from) ? from : nullptr), keepTo(_Owns(to) ? to : nullptr);
     if (keepFrom.mText) from = keepFrom.mText;
@@ -318,20 +361,16 @@ void string::_Replace(char16_t const *from, char16_t const *to, int start, int c
         if (!mText) return;
         char16_t const *src = hold.mText;
         char16_t *dst = mText;
-        char16_t const *cursor = src + start;
+        int done = 0;
         for (int i = 0; i < treated; ++i) {
-            char16_t const *match = SearchText(cursor, from, lf);
-            int before = int(match - src);
-            _Copy(dst, src, before);
-            dst += before;
+            _Copy(dst, src + done, found[i] - done);
+            dst += found[i] - done;
             _Copy(dst, to, lt);
             dst += lt;
-            src = match + lf;
-            cursor = src;
+            done = found[i] + lf;
         }
-        int rest = Length(src);
-        _Copy(dst, src, rest);
-        dst[rest] = 0;
+        _Copy(dst, src + done, own - done);
+        dst[own - done] = 0;
         return;
     }
     int size = _Handle()->mSize;
@@ -602,29 +641,22 @@ string &string::DateTime(char16_t separator) {
 
 // ---------------------------------------------------------------- search
 
-int string::Length(char16_t const *s) noexcept {
-    if (!s) return 0;
-    char16_t const *p = s;
-    while (*p) ++p;
-    return int(p - s);
-}
+int string::Length(char16_t const *s) noexcept { return s ? int(detail::ScanLength(s)) : 0; }
 
 int string::Length(char const *s) noexcept { return s ? int(std::strlen(s)) : 0; }
 
+// The searches never measure the text first: they stop at its terminator.
 int string::Find(char16_t const *text, char16_t const *s, int start) noexcept {
-    int lt = Length(text), ls = Length(s);
-    if (start < 0 || lt == 0 || ls == 0 || start >= lt || ls > lt) return -1;
-    char16_t const *p = SearchText(text + start, s, ls);
+    if (!text || !s || !*s || !Reaches(text, start)) return -1;
+    char16_t const *p = SearchText(text + start, s, Length(s));
     return p ? int(p - text) : -1;
 }
 
 int string::Find(char16_t const *text, char16_t c, int start) noexcept {
-    int lt = Length(text);
-    if (start < 0 || lt == 0 || start >= lt) return -1;
-    for (int i = start; i <= lt; ++i) {
-        if (text[i] == c) return i;
-    }
-    return -1;
+    if (!text || !Reaches(text, start)) return -1;
+    if (c == 0) return Length(text);  // the terminator itself
+    char16_t const *p = detail::ScanUnit(text + start, c);
+    return p ? int(p - text) : -1;
 }
 
 int string::FindNoCase(char16_t const *s, int start) const {
@@ -637,36 +669,40 @@ int string::FindNoCase(char16_t c, int start) const {
     return Find(a.mText, detail::ToLower(c), start);
 }
 
+// Backwards: the text is measured once (the end must be known), then the last
+// unit of the sought text is scanned for from the end.
 int string::FindReverse(char16_t const *text, char16_t const *s, int start) noexcept {
-    int lt = Length(text), ls = Length(s);
-    if (start < 0 || lt == 0 || ls == 0 || ls > lt) return -1;
-    for (int i = (start < lt ? start : lt) - ls; i >= 0; --i) {
-        if (std::memcmp(text + i, s, std::size_t(ls) * sizeof(char16_t)) == 0) return i;
+    int ls = Length(s);
+    if (!text || start < 0 || ls == 0) return -1;
+    int lt = int(detail::ScanLength(text, start < 0x7FFFFFFF ? std::size_t(start) : std::size_t(0x7FFFFFFF)));
+    if (ls > lt) return -1;
+    // Candidates end at or before `lt`; a candidate's first unit is at most lt - ls.
+    std::size_t room = std::size_t(lt - ls + 1);
+    for (char16_t const *p = detail::ScanUnitBack(text, room, s[0]); p;
+         p = detail::ScanUnitBack(text, std::size_t(p - text), s[0])) {
+        if (std::memcmp(p, s, std::size_t(ls) * sizeof(char16_t)) == 0) return int(p - text);
     }
     return -1;
 }
 
 int string::FindReverse(char16_t const *text, char16_t c, int start) noexcept {
-    int lt = Length(text);
-    if (start < 0 || lt == 0) return -1;
-    for (int i = (start < lt ? start : lt) - 1; i >= 0; --i) {
-        if (text[i] == c) return i;
-    }
-    return -1;
+    if (!text || start < 0) return -1;
+    int lt = int(detail::ScanLength(text, std::size_t(start)));
+    char16_t const *p = detail::ScanUnitBack(text, std::size_t(lt), c);
+    return p ? int(p - text) : -1;
 }
 
 int string::Count(char16_t const *text, char16_t const *s, int start) noexcept {
-    if (Find(text, s, start) < 0) return 0;
+    if (!text || !s || !*s || !Reaches(text, start)) return 0;
     int ls = Length(s), n = 0;
     for (char16_t const *p = SearchText(text + start, s, ls); p; p = SearchText(p + ls, s, ls)) ++n;
     return n;
 }
 
 int string::Count(char16_t const *text, char16_t c, int start) noexcept {
-    int lt = Length(text);
-    if (start < 0 || start >= lt) return 0;
+    if (!text || c == 0 || !Reaches(text, start)) return 0;
     int n = 0;
-    for (int i = start; i < lt; ++i) n += text[i] == c;
+    for (char16_t const *p = detail::ScanUnit(text + start, c); p; p = detail::ScanUnit(p + 1, c)) ++n;
     return n;
 }
 

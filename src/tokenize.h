@@ -6,6 +6,40 @@
 
 namespace qor::tools::detail {
 
+// Calls `cell(from, count)` for each token of the `length` units of `text`,
+// split at any unit of `delimiters` outside quotes; a token that begins and
+// ends with a quote loses them, except the last, which is taken as it stands.
+template <typename Cell>
+void Split(char16_t const *text, int length, char16_t const *delimiters, Cell &&cell) {
+    auto isDelimiter = [delimiters](char16_t c) {
+        for (char16_t const *d = delimiters; *d; ++d) {
+            if (*d == c) return true;
+        }
+        return false;
+    };
+    bool quoted = false;
+    int start = 0;
+    for (int i = 0; i < length; ++i) {
+        char16_t c = text[i];
+        if (c == u'"') {
+            quoted = !quoted;
+            continue;
+        }
+        if (quoted || !isDelimiter(c)) continue;
+        int n = i - start;
+        if (n >= 2 && text[start] == u'"' && text[i - 1] == u'"') {
+            cell(start + 1, n - 2);
+        } else {
+            cell(start, n);
+        }
+        start = i + 1;
+    }
+    if (start < length) cell(start, length - start);
+}
+
 string::tokens Tokenize(char16_t const *text, int length, char16_t const *delimiters);
+
+// The tokens of `text` into `cells`, sized once to their number.
+void TokenizeInto(string::tokens &cells, char16_t const *text, int length, char16_t const *delimiters);
 
 }  // namespace qor::tools::detail

@@ -1,6 +1,10 @@
 #include "qor/tools/string.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <random>
 
 #include <cstring>
 #include <string>
@@ -363,4 +367,70 @@ TEST(StringArea, HandsOutANewExactBlock) {
     EXPECT_EQ(Capacity(s), 6);
     EXPECT_EQ(Text(keep), u"old");
     EXPECT_EQ(s.Area(0, false), nullptr);
+}
+
+// ---------------------------------------------------------------- the vectorised searches
+
+namespace {
+
+// Text that ends right before an unreadable page, at any alignment: a search
+// that reads one unit too far crashes here.
+class page_end_text {
+public:
+    page_end_text() {
+        mPages = static_cast<char *>(::mmap(nullptr, 2 * kPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+        ::mprotect(mPages + kPage, kPage, PROT_NONE);
+    }
+    ~page_end_text() { ::munmap(mPages, 2 * kPage); }
+    char16_t const *Place(std::u16string const &text) {
+        auto *end = reinterpret_cast<char16_t *>(mPages + kPage) - 1;
+        char16_t *start = end - text.size();
+        std::copy(text.begin(), text.end(), start);
+        *end = 0;
+        return start;
+    }
+
+private:
+    static constexpr std::size_t kPage = 4096;
+    char *mPages;
+};
+
+}  // namespace
+
+TEST(StringSearch, AgreesWithAPlainSearchUpToTheLastReadableUnit) {
+    page_end_text page;
+    std::mt19937 random(7);
+    char16_t const alphabet[] = u"abn日";
+    for (int round = 0; round < 3000; ++round) {
+        std::u16string text(std::size_t(random() % 70), u'a'), needle(std::size_t(1 + random() % 3), u'a');
+        for (auto &c : text) c = alphabet[random() % 4];
+        for (auto &c : needle) c = alphabet[random() % 4];
+        char16_t const *placed = page.Place(text);
+        int start = int(random() % 8);
+        std::size_t expected = start < int(text.size()) ? text.find(needle, std::size_t(start)) : text.npos;
+        ASSERT_EQ(string::Find(placed, needle.c_str(), start), expected == text.npos ? -1 : int(expected)) << round;
+        std::size_t back = text.rfind(needle, std::size_t(start + 30) - needle.size());
+        if (std::size_t(start + 30) < needle.size()) back = text.npos;
+        ASSERT_EQ(string::FindReverse(placed, needle.c_str(), start + 30), back == text.npos ? -1 : int(back)) << round;
+        std::size_t unit = start < int(text.size()) ? text.find(needle[0], std::size_t(start)) : text.npos;
+        ASSERT_EQ(string::Find(placed, needle[0], start), unit == text.npos ? -1 : int(unit)) << round;
+        ASSERT_EQ(string::Length(placed), int(text.size()));
+
+        std::u16string replaced = text.substr(0, std::size_t(start < int(text.size()) ? start : 0));
+        std::size_t done = replaced.size(), n = 0;
+        if (start < int(text.size())) {
+            for (std::size_t p = text.find(needle, done); p != text.npos; p = text.find(needle, done)) {
+                replaced.append(text, done, p - done).append(u"<>");
+                done = p + needle.size();
+                ++n;
+            }
+            replaced.append(text, done);
+        } else {
+            replaced = text;
+        }
+        string s(placed);
+        s.Replace(needle.c_str(), u"<>", start);
+        ASSERT_EQ(std::u16string(s.Safe()), replaced) << round;
+        ASSERT_EQ(string::Count(placed, needle.c_str(), start), int(n)) << round;
+    }
 }

@@ -36,7 +36,7 @@ void csv::_Clear() { mRows.Release(); }
 void csv::_Fill(std::u16string_view text, std::vector<span> const &lines) {
     mRows.Size(int(lines.size()));
     for (std::size_t i = 0; i < lines.size(); ++i) {
-        mRows[int(i)].Data() = detail::Tokenize(text.data() + lines[i].mFrom, lines[i].mCount, kCellDelimiters);
+        detail::TokenizeInto(mRows[int(i)].Data(), text.data() + lines[i].mFrom, lines[i].mCount, kCellDelimiters);
     }
 }
 
@@ -70,24 +70,28 @@ void csv::LoadUnicode(char16_t const *path) {
     std::int64_t size = platform::FileSize(path);
     if (size < 0) size = 0;
     if (size == 2) return;
-    std::string bytes;
-    if (!platform::ReadFile(path, bytes, 2)) throw exception(u"csv::LoadUnicodeError");
+    // The file's units are read straight into their block, which then serves
+    // as the text (up to its first NUL) that the cells are cut from.
+    std::unique_ptr<char[]> bytes;
+    std::size_t read = 0;
+    if (!platform::ReadWhole(path, bytes, read, 2, 2 * sizeof(char16_t))) throw exception(u"csv::LoadUnicodeError");
     if (size < 2) throw std::invalid_argument("csv::LoadUnicode: a text buffer of negative length");
-    std::u16string text(bytes.size() / 2, u'\0');
-    std::memcpy(text.data(), bytes.data(), text.size() * sizeof(char16_t));
-    text.resize(std::size_t(string::Length(text.c_str())));
+    auto const *units = reinterpret_cast<char16_t const *>(bytes.get());
+    std::u16string_view text(units, std::size_t(string::Length(units)) < read / 2 ? std::size_t(string::Length(units))
+                                                                                    : read / 2);
 
     // A line ends at a CR, behind which one unit (the LF) is skipped; when no
     // CR follows at all it ends at an LF, and then starts one unit early.
     long long length = (long long)text.size(), s = 0;
     std::vector<span> lines;
+    lines.reserve(std::size_t(length / 32));
     std::size_t nextCr = text.find(u'\r');  // kept, so that LF files are read in linear time
     while (s < length) {
-        if (nextCr != std::u16string::npos && nextCr < std::size_t(s)) nextCr = text.find(u'\r', std::size_t(s));
+        if (nextCr != text.npos && nextCr < std::size_t(s)) nextCr = text.find(u'\r', std::size_t(s));
         std::size_t found = nextCr;
-        if (found == std::u16string::npos) {
+        if (found == text.npos) {
             found = text.find(u'\n', std::size_t(s));
-            if (found == std::u16string::npos) break;
+            if (found == text.npos) break;
             --s;
         }
         long long p = (long long)found;

@@ -6,6 +6,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
@@ -66,6 +67,24 @@ bool ReadFile(char16_t const *path, std::string &out, std::int64_t offset, std::
         return false;
     }
     out.resize(std::size_t(done));
+    return true;
+}
+
+bool ReadWhole(char16_t const *path, std::unique_ptr<char[]> &data, std::size_t &size, std::int64_t offset,
+               std::size_t pad) {
+    data.reset();
+    size = 0;
+    input_file in;
+    if (!in.Open(path)) return false;
+    std::size_t wanted = in.Size() > offset ? std::size_t(in.Size() - offset) : 0;
+    data.reset(new char[wanted + pad]);
+    std::int64_t done = in.Read(data.get(), wanted, offset);
+    if (done < 0) {
+        data.reset();
+        return false;
+    }
+    size = std::size_t(done);
+    std::fill(data.get() + size, data.get() + size + pad, '\0');
     return true;
 }
 

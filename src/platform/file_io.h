@@ -9,6 +9,7 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "path.h"
@@ -23,6 +24,12 @@ std::int64_t FileSize(char16_t const *path);
 // when the file cannot be opened or a read fails part way; a file that shrinks
 // while it is read gives what it held.
 bool ReadFile(char16_t const *path, std::string &out, std::int64_t offset = 0, std::int64_t count = -1);
+
+// The bytes of a file from `offset` to its end in a block of their own, not
+// zero-filled first, followed by `pad` zero bytes (room for a terminator).
+// False when the file cannot be opened or a read fails part way.
+bool ReadWhole(char16_t const *path, std::unique_ptr<char[]> &data, std::size_t &size, std::int64_t offset = 0,
+               std::size_t pad = 0);
 
 // A regular file opened for reading, closed by the destructor.
 class input_file {
