@@ -1,6 +1,8 @@
 // string::Tokenize: splits a text at any of a set of delimiters, with quotes.
 #include "tokenize.h"
 
+#include <vector>
+
 namespace qor::tools {
 
 namespace detail {
@@ -13,11 +15,24 @@ string::tokens Tokenize(char16_t const *text, int length, char16_t const *delimi
 }
 
 void TokenizeInto(string::tokens &cells, char16_t const *text, int length, char16_t const *delimiters) {
+    // The cells' places are noted first (the first few without an
+    // allocation), so that the array is sized once.
+    struct place {
+        int mFrom, mCount;
+    };
+    place inline_places[32];
+    std::vector<place> more;
     int count = 0;
-    Split(text, length, delimiters, [&](int, int) { ++count; });
+    Split(text, length, delimiters, [&](int from, int n) {
+        if (count < 32) inline_places[count] = {from, n};
+        else more.push_back({from, n});
+        ++count;
+    });
     cells.Size(count);
-    int i = 0;
-    Split(text, length, delimiters, [&](int from, int n) { cells[i++] = string(text + from, n); });
+    for (int i = 0; i < count; ++i) {
+        place const &p = i < 32 ? inline_places[i] : more[std::size_t(i - 32)];
+        cells[i] = string(text + p.mFrom, p.mCount);
+    }
 }
 
 }  // namespace detail

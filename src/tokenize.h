@@ -1,6 +1,8 @@
 // The tokenizer behind string::Tokenize and the CSV loaders, over a span.
 #pragma once
 
+#include <cstdint>
+
 #include "qor/tools/container/array.h"
 #include "qor/tools/string.h"
 
@@ -11,7 +13,16 @@ namespace qor::tools::detail {
 // ends with a quote loses them, except the last, which is taken as it stands.
 template <typename Cell>
 void Split(char16_t const *text, int length, char16_t const *delimiters, Cell &&cell) {
-    auto isDelimiter = [delimiters](char16_t c) {
+    // Delimiters below 128 are looked up in a bit set, the others in the list.
+    std::uint64_t low[2] = {0, 0};
+    bool high = false;
+    for (char16_t const *d = delimiters; *d; ++d) {
+        if (*d < 128) low[*d >> 6] |= std::uint64_t(1) << (*d & 63);
+        else high = true;
+    }
+    auto isDelimiter = [&](char16_t c) {
+        if (c < 128) return ((low[c >> 6] >> (c & 63)) & 1) != 0;
+        if (!high) return false;
         for (char16_t const *d = delimiters; *d; ++d) {
             if (*d == c) return true;
         }
