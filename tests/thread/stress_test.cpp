@@ -4,6 +4,7 @@
 // count while they are being ended. Nothing may leak or hang.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <random>
@@ -100,7 +101,7 @@ TEST(ThreadStress, ManyWorkersManyMessages) {
             int target = int(random() % 24);
             workers.Send(string::Formatter(u"chat%d", target), new counted(random() % 40));
             if (kSuspenders > 0 && round % 50 == 0) {
-                workers.Send(string::Formatter(u"suspender%d", round % kSuspenders), new counted(1));
+                workers.Send(string::Formatter(u"suspender%d", (round / 50) % std::max(kSuspenders, 1)), new counted(1));
             }
             if (round % 500 == 0) {
                 worker *w = workers.Find(string::Formatter(u"chat%d", target));
