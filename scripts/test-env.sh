@@ -35,7 +35,9 @@ start_postgres() {
     -o "-c listen_addresses=127.0.0.1 -p $QOR_PG_PORT -k $QOR_PG_BASE -c fsync=off -c synchronous_commit=off" \
     start >/dev/null
   runuser -u postgres -- "$bin/psql" -h "$QOR_PG_BASE" -p "$QOR_PG_PORT" -U postgres -d postgres -q \
-    -v ON_ERROR_STOP=1 -c "CREATE ROLE tester LOGIN PASSWORD 'testpw'" -c "CREATE DATABASE testdb OWNER tester" >/dev/null
+    -v ON_ERROR_STOP=1 -c "CREATE ROLE tester LOGIN PASSWORD 'testpw'" -c "CREATE DATABASE testdb OWNER tester" \
+    -c "CREATE ROLE \"odd;user{}= 日本\" LOGIN PASSWORD 'pa}ss;w{= 日本'" \
+    -c "CREATE DATABASE \"odd;db{}= 日本\" OWNER \"odd;user{}= 日本\"" >/dev/null
   export QORTOOLS_TEST_PG="127.0.0.1:$QOR_PG_PORT"
   export QORTOOLS_TEST_PG_CTL="runuser -u postgres -- $bin/pg_ctl -D $QOR_PG_BASE/data"
 }

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <ctime>
 
-#include "platform/odbc.h"
+#include "provider.h"
 #include "qor/tools/exception.h"
 
 namespace qor::tools::database {
@@ -55,9 +55,16 @@ command &command::operator=(command const &other) {
 
 command::~command() { command::Close(); }
 
-platform::odbc::connection *command::_Connection() const {
-    return mSession ? mSession->_Connection() : nullptr;
+namespace {
+
+IOpenRowset *ProviderOf(session const *s) { return s ? database::ProviderOf(*s) : nullptr; }
+
+platform::odbc::dialect DialectOf(session const &s) {
+    IOpenRowset *provider = database::ProviderOf(s);
+    return provider ? provider->Dialect() : platform::odbc::dialect();
 }
+
+}  // namespace
 
 std::u16string command::_TableName() const {
     return mColumn.IsEmpty() ? std::u16string() : std::u16string(mColumn->TableName().Safe());
@@ -71,13 +78,13 @@ bool command::Open(session &s, char16_t const *table, bool updatable) {
     bool named = table && *table;
     if (named) mOptions |= optTable;
     _Option(optUpdatable, named && updatable);
-    mHint = string(s._Dialect().LockHint(_Has(optUpdatable)).c_str());
+    mHint = string(DialectOf(s).LockHint(_Has(optUpdatable)).c_str());
     if (named) {
         _Create(s.LoadColumn(table), true);
         mOptions &= ~optRebind;
     }
     if (_Has(optUpdatable)) {
-        mSql = string(s._Dialect().SelectNone(table).c_str());
+        mSql = string(DialectOf(s).SelectNone(table).c_str());
         return _OpenRowset() == S_OK;
     }
     return true;
@@ -100,9 +107,9 @@ void command::Close() {
 HRESULT command::_OpenRowset() {
     if (mRowset) mResult = -1;
     _CloseRowset();
-    platform::odbc::connection *c = _Connection();
+    IOpenRowset *c = ProviderOf(mSession);
     if (!c) return E_FAIL;
-    std::shared_ptr<platform::odbc::rowset> rows;
+    std::shared_ptr<IRowset> rows;
     HRESULT hr = c->Query(mSql.Safe(), _Has(optTable) ? _TableName() : std::u16string(), rows);
     if (FAILED(hr)) return hr;
     mRowset = rows;
@@ -151,7 +158,7 @@ HRESULT command::_CreateAccessor() {
 
 bool command::Select() {
     if (!_Has(optTable)) return false;
-    mSql = string(mSession->_Dialect().Select(_TableName(), mHint.Safe(), u"", false).c_str());
+    mSql = string(DialectOf(*mSession).Select(_TableName(), mHint.Safe(), u"", false).c_str());
     return _OpenRowset() == S_OK;
 }
 
@@ -166,7 +173,7 @@ bool command::Select(char16_t const *format, ...) {
 bool command::SelectV(char16_t const *format, va_list args) {
     mCondition.FormatV(format, args);
     if (_Has(optTable)) {
-        mSql = string(mSession->_Dialect().Select(_TableName(), mHint.Safe(), mCondition.Safe(), true).c_str());
+        mSql = string(DialectOf(*mSession).Select(_TableName(), mHint.Safe(), mCondition.Safe(), true).c_str());
     } else {
         mSql = mCondition;
     }
@@ -175,7 +182,7 @@ bool command::SelectV(char16_t const *format, va_list args) {
 
 bool command::SelectTop(int top) {
     if (!_Has(optTable)) return false;
-    mSql = string(mSession->_Dialect().SelectTop(top, _TableName(), mHint.Safe(), u"", false).c_str());
+    mSql = string(DialectOf(*mSession).SelectTop(top, _TableName(), mHint.Safe(), u"", false).c_str());
     return _OpenRowset() == S_OK;
 }
 
@@ -185,7 +192,7 @@ bool command::SelectTop(int top, char16_t const *format, ...) {
     mCondition.FormatV(format, args);
     va_end(args);
     if (_Has(optTable)) {
-        mSql = string(mSession->_Dialect().SelectTop(top, _TableName(), mHint.Safe(), mCondition.Safe(), true).c_str());
+        mSql = string(DialectOf(*mSession).SelectTop(top, _TableName(), mHint.Safe(), mCondition.Safe(), true).c_str());
     } else {
         mSql = mCondition;
     }
@@ -193,7 +200,7 @@ bool command::SelectTop(int top, char16_t const *format, ...) {
 }
 
 bool command::_SelectMinimum() {
-    mSql = string(mSession->_Dialect().SelectNone(_TableName()).c_str());
+    mSql = string(DialectOf(*mSession).SelectNone(_TableName()).c_str());
     return _OpenRowset() == S_OK;
 }
 
@@ -254,8 +261,8 @@ bool command::MoveNext(int offset, bool forward) {
 bool command::NextResult() {
     if (mRowset) mResult = -1;
     _CloseRowset();
-    platform::odbc::connection *c = _Connection();
-    std::shared_ptr<platform::odbc::rowset> rows;
+    IOpenRowset *c = ProviderOf(mSession);
+    std::shared_ptr<IRowset> rows;
     if (!c || c->NextResult(rows) != S_OK || !rows) return false;
     mRowset = rows;
     mRows = mRowset->Rows();
@@ -287,6 +294,9 @@ int command::RecordSetV(rset &out, char16_t const *format, va_list args) {
         if (FAILED(mRowset->GetData(row, mAccessor, block + std::size_t(i) * std::size_t(size)))) break;
         _MoveRowAfter(out[i]);
     }
+    // The rows are the record set's now, as the batch's row handles were
+    // released: the cursor's copy goes.
+    mRowset->Release();
     return out.Size();
 }
 
@@ -367,7 +377,7 @@ void command::DeleteAll() {
 // ---------------------------------------------------------------- counting
 
 long command::CountRecord(char16_t const *sql) {
-    platform::odbc::connection *c = _Connection();
+    IOpenRowset *c = ProviderOf(mSession);
     std::int64_t value = 0;
     if (!c || !sql || c->Scalar(sql, value) != S_OK) return 0;
     return long(std::int32_t(value));
@@ -375,7 +385,7 @@ long command::CountRecord(char16_t const *sql) {
 
 long command::Count() {
     if (!_Has(optTable)) return 0;
-    mSql = string(mSession->_Dialect().Count(_TableName(), u"", false).c_str());
+    mSql = string(DialectOf(*mSession).Count(_TableName(), u"", false).c_str());
     return CountRecord(mSql);
 }
 
@@ -388,20 +398,20 @@ long command::Count(char16_t const *format, ...) {
     if (table.empty()) {
         mSql = mCondition;
     } else {
-        mSql = string(mSession->_Dialect().Count(table, mCondition.Safe(), true).c_str());
+        mSql = string(DialectOf(*mSession).Count(table, mCondition.Safe(), true).c_str());
     }
     return CountRecord(mSql);
 }
 
 long command::CountColumn(char16_t const *column, bool distinct) {
     if (!_Has(optTable)) return 0;
-    mSql = string(mSession->_Dialect().CountColumn(string::Safe(column), _TableName(), distinct, u"", false).c_str());
+    mSql = string(DialectOf(*mSession).CountColumn(string::Safe(column), _TableName(), distinct, u"", false).c_str());
     return CountRecord(mSql);
 }
 
 long command::CountColumn(char16_t const *column, char16_t const *condition, bool distinct) {
     if (!_Has(optTable)) return 0;
-    string sql(mSession->_Dialect()
+    string sql(DialectOf(*mSession)
                    .CountColumn(string::Safe(column), _TableName(), distinct, string::Safe(condition), true)
                    .c_str());
     return CountRecord(sql);

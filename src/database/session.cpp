@@ -3,7 +3,7 @@
 #include <cstdarg>
 #include <cstdlib>
 
-#include "platform/odbc.h"
+#include "provider.h"
 #include "platform/profile.h"
 #include "qor/tools/database/command.h"
 #include "qor/tools/database/record.h"
@@ -68,22 +68,31 @@ session::~session() {
 
 bool session::IsOpen() const noexcept { return mSession && mSession->IsOpen(); }
 
-platform::odbc::dialect const &session::_Dialect() const {
-    static platform::odbc::dialect const sqlserver;
-    return mSession ? mSession->Dialect() : sqlserver;
+IOpenRowset *ProviderOf(session const &s) { return s.mSession.get(); }
+
+namespace {
+
+platform::odbc::dialect DialectOf(session const &s) {
+    IOpenRowset *provider = ProviderOf(s);
+    return provider ? provider->Dialect() : platform::odbc::dialect();
 }
+
+}  // namespace
 
 std::vector<std::u16string> session::StatementLog() const {
     return mSession ? mSession->Log() : std::vector<std::u16string>();
 }
 
+string session::LastError() const { return mSession ? string(mSession->LastError()) : mOpenError; }
+
 bool session::Open(char16_t const *server, char16_t const *database, char16_t const *user, char16_t const *password) {
     mServer = server;
     mDatabase = database;
     mUser = user;
-    auto next = std::make_shared<platform::odbc::connection>();
+    auto next = std::make_shared<IOpenRowset>();
     std::u16string secret = password ? std::u16string(password) : std::u16string();
     HRESULT hr = next->Open(Text(mDriver), Text(mServer), Text(mDatabase), Text(mUser), password ? &secret : nullptr);
+    mOpenError = next->LastError();
     if (hr == S_OK) {
         mSession = next;
         return true;
@@ -117,7 +126,7 @@ bool session::Execute(char16_t const *sql) {
 bool session::CreateTable(char16_t const *table, texts &columns, texts &keys) {
     string sql = string::Formatter(u"create table %s (", string::Safe(table)) + Join(columns);
     if (keys.Size() > 0) {
-        sql += string(_Dialect().PrimaryKeyClause(string::Safe(table)).c_str());
+        sql += string(DialectOf(*this).PrimaryKeyClause(string::Safe(table)).c_str());
         sql += Join(keys) + u")";
     }
     sql += u")";
@@ -190,7 +199,7 @@ void session::TransactoinError(int code, char16_t const *format, ...) {
 column::column(session &s, char16_t const *table) : mTableName(table) {
     _Add(nullptr, 0, DBTYPE_UI4, 4, DBCOLUMNFLAGS_ISBOOKMARK | DBCOLUMNFLAGS_ISFIXEDLENGTH, 10, 255);
     std::vector<platform::odbc::column_desc> columns;
-    if (!s._Connection() || !table || s._Connection()->TableColumns(table, columns) != S_OK) return;
+    if (!ProviderOf(s) || !table || ProviderOf(s)->TableColumns(table, columns) != S_OK) return;
     for (std::size_t i = 1; i < columns.size(); ++i) {
         auto const &c = columns[i];
         _Add(c.mName.c_str(), int(i), c.mType, static_cast<unsigned long>(c.mSize), c.mFlags, c.mPrecision,
@@ -201,7 +210,7 @@ column::column(session &s, char16_t const *table) : mTableName(table) {
 
 void column::_LoadPrimaryKeys(session &s) {
     std::vector<std::u16string> keys;
-    if (!s._Connection() || s._Connection()->PrimaryKeys(mTableName.Safe(), keys) != S_OK) return;
+    if (!ProviderOf(s) || ProviderOf(s)->PrimaryKeys(mTableName.Safe(), keys) != S_OK) return;
     string text(u"where ");
     for (std::size_t k = 0; k < keys.size(); ++k) {
         info *e = Info(keys[k].c_str());
@@ -226,8 +235,8 @@ void column::_LoadPrimaryKeys(session &s) {
 
 string record::PrimaryKeyString(session *s) {
     std::vector<std::u16string> keys;
-    if (!s || mColumn.IsEmpty() || !s->_Connection() ||
-        s->_Connection()->PrimaryKeys(mColumn->TableName().Safe(), keys) != S_OK || keys.empty()) {
+    if (!s || mColumn.IsEmpty() || !ProviderOf(*s) ||
+        ProviderOf(*s)->PrimaryKeys(mColumn->TableName().Safe(), keys) != S_OK || keys.empty()) {
         return string();
     }
     string text;

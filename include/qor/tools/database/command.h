@@ -24,8 +24,8 @@
 #include "qor/tools/database/record.h"
 #include "qor/tools/database/session.h"
 
-namespace qor::tools::platform::odbc {
-class rowset;
+namespace qor::tools {
+class IRowset;  // the provider's result
 }
 
 namespace qor::tools::database {
@@ -112,7 +112,7 @@ protected:
     virtual void _RenewalBefore(record &row, int mode);
     virtual void _RenewalAfter(record &row, int mode);
 
-    std::shared_ptr<platform::odbc::rowset> mRowset;
+    std::shared_ptr<IRowset> mRowset;
     HROW mRow = 0;
     std::vector<DBBINDING> mAccessor;
     session *mSession = nullptr;
@@ -129,7 +129,6 @@ private:
     bool _Has(std::uint32_t bit) const noexcept { return (mOptions & bit) != 0; }
     bool _Move(HRESULT restart, std::int64_t offset, bool forward);
     std::u16string _TableName() const;
-    QOR_TOOLS_LOCAL platform::odbc::connection *_Connection() const;
 };
 
 }  // namespace qor::tools::database

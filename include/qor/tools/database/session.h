@@ -24,10 +24,9 @@
 #include "qor/tools/database/column.h"
 #include "qor/tools/string.h"
 
-namespace qor::tools::platform::odbc {
-class connection;
-class dialect;
-}  // namespace qor::tools::platform::odbc
+namespace qor::tools {
+class IOpenRowset;  // the provider's session
+}
 
 namespace qor::tools::database {
 
@@ -72,15 +71,19 @@ public:
     // The ODBC driver for the next Open.
     void Driver(char16_t const *driver) { mDriver = driver; }
     string const &Driver() const noexcept { return mDriver; }
-    // Every statement sent on this connection (the last 1,000).
+    // Every statement sent on this connection (the last 1,000); a failed one
+    // is followed by a line "-- failed: " and the driver's diagnostics.
     std::vector<std::u16string> StatementLog() const;
-    platform::odbc::connection *_Connection() const noexcept { return mSession.get(); }
-    QOR_TOOLS_LOCAL platform::odbc::dialect const &_Dialect() const;
+    // The driver's diagnostic records of the last failure on this connection
+    // (a failed Open included), one a line: "[state] native: message".
+    string LastError() const;
 
     static constexpr std::uint32_t kTransaction = 1, kTransactionError = 2;
 
 protected:
-    std::shared_ptr<platform::odbc::connection> mSession;
+    friend IOpenRowset *ProviderOf(session const &s);
+
+    std::shared_ptr<IOpenRowset> mSession;
     container::hash<string, column, container::pif::object, 2> mColumns;
     container::hash<string, command, container::pif::object, 2> mCommands;
     string mServer;
@@ -89,6 +92,7 @@ protected:
     string mError;
     std::uint32_t mState = 0;
     string mDriver;
+    string mOpenError;  // the driver's words on a failed Open
 };
 
 }  // namespace qor::tools::database
