@@ -61,7 +61,7 @@ def main():
             ratio = f"{seconds(b) / seconds(rows[anchor]):.2f}" if anchor else ""
             shown = show_time(seconds(rows[anchor])) if anchor else ""
             label = b.get("label", "")
-            counters = [f"{k} {v:.3g}" for k, v in b.items() if k.endswith(("_over_size", "_MB", "_per_row"))]
+            counters = [f"{k} {v:.3g}" for k, v in b.items() if k.endswith(("_over_size", "_MB", "_per_row", "_ratio"))]
             if counters:
                 label = ", ".join(([label] if label else []) + counters)
             print(f"| {name}{' (' + label + ')' if label else ''} | {show_time(seconds(b))} | {rate} | {shown} | {ratio} |")

@@ -331,15 +331,17 @@ HRESULT connection::_Run(std::u16string const &sql, std::vector<cell> const &val
     } else {
         owned = std::make_unique<statement>(mDbc);
         stmt = owned->Handle();
-        if (!Ok(owned->Prepare(sql, mDialect.IsWide()))) return _Fail(SQL_HANDLE_STMT, stmt);
         if (keep) {
+            if (!Ok(owned->Prepare(sql, mDialect.IsWide()))) return _Fail(SQL_HANDLE_STMT, stmt);
             if (mPrepared.size() >= kPreparedKept) _ForgetPrepared();
             mPrepared.emplace(sql, owned->Release());
         }
     }
     parameters bound;
     if (!bound.Bind(stmt, values, types, sqlTypes, mDialect.IsWide())) return _Fail(SQL_HANDLE_STMT, stmt);
-    SQLRETURN r = SQLExecute(stmt);
+    // A statement run once goes directly: one round trip, and psqlodbc loses
+    // the memory of a prepared statement that the server refuses.
+    SQLRETURN r = keep ? SQLExecute(stmt) : statement::Direct(stmt, sql, mDialect.IsWide());
     if (r == SQL_NO_DATA) {
         if (affected) *affected = 0;
         return returned ? E_FAIL : S_OK;
