@@ -7,9 +7,11 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build pkg-config clang libclang-rt-14-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  libxml2-dev libssl-dev libglib2.0-dev libgtk-3-dev
+  libxml2-dev libssl-dev libglib2.0-dev libgtk-3-dev libcairo2-dev
+  libjpeg-dev libpng-dev libtiff-dev libgif-dev
   unixodbc-dev odbc-postgresql libsqliteodbc sqlite3 postgresql
   xvfb xauth locales python3
+  libimage-exiftool-perl exiv2
 )
 
 missing=()
