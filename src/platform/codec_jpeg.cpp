@@ -89,6 +89,12 @@ bool Read(jpeg_decompress_struct &info, quiet_errors &errors, unsigned char cons
     return !errors.mTruncated;
 }
 
+bool IsOpaque(std::uint32_t const *row, JDIMENSION width) {
+    std::uint32_t all = 0xffffffffu;
+    for (JDIMENSION x = 0; x < width; ++x) all &= row[x];
+    return (all >> 24) == 0xff;
+}
+
 struct encode_state {
     std::vector<unsigned char> mRow;
     unsigned char *mBuffer = nullptr;
@@ -116,9 +122,13 @@ bool Write(jpeg_compress_struct &info, quiet_errors &errors, cairo_surface_t *im
                           unsigned(o.mApp1.size()));
     }
     while (info.next_scanline < info.image_height) {
-        std::uint32_t const *row = Row(image, int(info.next_scanline));
-        for (JDIMENSION x = 0; x < info.image_width; ++x) Straight(row[x], &state.mRow[x * 4]);
-        JSAMPROW line = state.mRow.data();
+        std::uint32_t *row = Row(image, int(info.next_scanline));
+        // An opaque row is its own straight colours: it goes as it stands.
+        JSAMPROW line = reinterpret_cast<JSAMPROW>(row);
+        if (!IsOpaque(row, info.image_width)) {
+            for (JDIMENSION x = 0; x < info.image_width; ++x) Straight(row[x], &state.mRow[x * 4]);
+            line = state.mRow.data();
+        }
         jpeg_write_scanlines(&info, &line, 1);
     }
     jpeg_finish_compress(&info);

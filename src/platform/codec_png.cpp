@@ -49,7 +49,7 @@ void PremultiplyRows(cairo_surface_t *s) {
     }
 }
 
-bool Read(png_structp png, png_infop info, cairo_surface_t *&out, std::vector<png_bytep> &rows) {
+bool Read(png_structp png, png_infop info, cairo_surface_t *&out, std::vector<png_bytep> &rows, bool &alpha) {
     if (setjmp(png_jmpbuf(png))) return false;
     png_read_info(png, info);
     png_uint_32 width = png_get_image_width(png, info), height = png_get_image_height(png, info);
@@ -57,6 +57,7 @@ bool Read(png_structp png, png_infop info, cairo_surface_t *&out, std::vector<pn
     if (png_get_bit_depth(png, info) == 16) png_set_strip_16(png);
     if (type == PNG_COLOR_TYPE_PALETTE) png_set_palette_to_rgb(png);
     if (type == PNG_COLOR_TYPE_GRAY && png_get_bit_depth(png, info) < 8) png_set_expand_gray_1_2_4_to_8(png);
+    alpha = (type & PNG_COLOR_MASK_ALPHA) != 0 || png_get_valid(png, info, PNG_INFO_tRNS);
     if (png_get_valid(png, info, PNG_INFO_tRNS)) png_set_tRNS_to_alpha(png);
     if (type == PNG_COLOR_TYPE_GRAY || type == PNG_COLOR_TYPE_GRAY_ALPHA) png_set_gray_to_rgb(png);
     png_set_filler(png, 0xff, PNG_FILLER_AFTER);
@@ -102,11 +103,12 @@ surface DecodePng(unsigned char const *data, std::size_t size) {
     png_set_crc_action(png, PNG_CRC_DEFAULT, PNG_CRC_WARN_DISCARD);
     cairo_surface_t *out = nullptr;
     std::vector<png_bytep> rows;
-    bool ok = info && Read(png, info, out, rows);
+    bool alpha = false;
+    bool ok = info && Read(png, info, out, rows, alpha);
     png_destroy_read_struct(&png, info ? &info : nullptr, nullptr);
     surface result(out);
     if (!ok) return nullptr;
-    PremultiplyRows(result.get());
+    if (alpha) PremultiplyRows(result.get());  // opaque rows are premultiplied as they stand
     cairo_surface_mark_dirty(result.get());
     return result;
 }

@@ -1,0 +1,156 @@
+// The picture codecs against the codec libraries used bare: a 12-megapixel
+// JPEG decoded into BGRA and encoded with an EXIF segment, and a PNG decoded,
+// each beside an anchor that calls libjpeg-turbo or libpng directly.
+#include <benchmark/benchmark.h>
+#include <png.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <jpeglib.h>
+
+#include "platform/codec.h"
+
+using namespace qor::tools::platform;
+
+namespace {
+
+constexpr int kWidth = 4000, kHeight = 3000;
+
+// A photograph-like picture: smooth gradients with some noise.
+codec::surface Picture(int width, int height) {
+    codec::surface s = codec::NewSurface(width, height);
+    std::mt19937 random(1);
+    for (int y = 0; y < height; ++y) {
+        auto *row = reinterpret_cast<std::uint32_t *>(cairo_image_surface_get_data(s.get()) +
+                                                      y * cairo_image_surface_get_stride(s.get()));
+        for (int x = 0; x < width; ++x) {
+            unsigned noise = random() % 16;
+            row[x] = 0xff000000u | ((x * 255 / width + noise) & 0xff) << 16 | ((y * 255 / height) & 0xff) << 8 |
+                     ((x + y + noise) & 0xff);
+        }
+    }
+    cairo_surface_mark_dirty(s.get());
+    return s;
+}
+
+std::string const &File(codec::format f) {
+    static std::string jpeg, png;
+    std::string &file = f == codec::format::jpeg ? jpeg : png;
+    if (file.empty()) {
+        auto s = f == codec::format::jpeg ? Picture(kWidth, kHeight) : Picture(2000, 1500);
+        codec::Encode(f, s.get(), {0.9, {}}, file);
+    }
+    return file;
+}
+
+unsigned char const *Bytes(std::string const &s) { return reinterpret_cast<unsigned char const *>(s.data()); }
+
+void JpegDecode(benchmark::State &state) {
+    std::string const &file = File(codec::format::jpeg);
+    for (auto _ : state) benchmark::DoNotOptimize(codec::Decode(Bytes(file), file.size()));
+    state.SetItemsProcessed(state.iterations() * kWidth * kHeight);
+}
+
+void JpegDecode_Anchor(benchmark::State &state) {
+    std::string const &file = File(codec::format::jpeg);
+    for (auto _ : state) {
+        jpeg_decompress_struct info{};
+        jpeg_error_mgr errors{};
+        info.err = jpeg_std_error(&errors);
+        jpeg_create_decompress(&info);
+        jpeg_mem_src(&info, Bytes(file), file.size());
+        jpeg_read_header(&info, TRUE);
+        info.out_color_space = JCS_EXT_BGRA;
+        jpeg_start_decompress(&info);
+        std::size_t stride = std::size_t(info.output_width) * 4;
+        auto *pixels = static_cast<unsigned char *>(std::malloc(stride * info.output_height));
+        while (info.output_scanline < info.output_height) {
+            JSAMPROW row = pixels + stride * info.output_scanline;
+            jpeg_read_scanlines(&info, &row, 1);
+        }
+        jpeg_finish_decompress(&info);
+        jpeg_destroy_decompress(&info);
+        benchmark::DoNotOptimize(pixels);
+        std::free(pixels);
+    }
+    state.SetItemsProcessed(state.iterations() * kWidth * kHeight);
+}
+
+// Reduced for a thumbnail box: what a picture list does with every photograph.
+void JpegDecodeForThumbnail(benchmark::State &state) {
+    std::string const &file = File(codec::format::jpeg);
+    for (auto _ : state) benchmark::DoNotOptimize(codec::DecodeForBox(Bytes(file), file.size(), 160, 120));
+}
+
+void JpegEncodeWithExif(benchmark::State &state) {
+    auto picture = Picture(kWidth, kHeight);
+    std::string exif("Exif\0\0II*\0\x08\0\0\0\0\0\0\0\0\0", 20);
+    for (auto _ : state) {
+        std::string out;
+        codec::Encode(codec::format::jpeg, picture.get(), {0.9, exif}, out);
+        benchmark::DoNotOptimize(out);
+    }
+    state.SetItemsProcessed(state.iterations() * kWidth * kHeight);
+}
+
+void JpegEncodeWithExif_Anchor(benchmark::State &state) {
+    auto picture = Picture(kWidth, kHeight);
+    unsigned char *pixels = cairo_image_surface_get_data(picture.get());
+    for (auto _ : state) {
+        jpeg_compress_struct info{};
+        jpeg_error_mgr errors{};
+        info.err = jpeg_std_error(&errors);
+        jpeg_create_compress(&info);
+        unsigned char *buffer = nullptr;
+        unsigned long size = 0;
+        jpeg_mem_dest(&info, &buffer, &size);
+        info.image_width = kWidth;
+        info.image_height = kHeight;
+        info.input_components = 4;
+        info.in_color_space = JCS_EXT_BGRA;
+        jpeg_set_defaults(&info);
+        jpeg_set_quality(&info, 90, TRUE);
+        jpeg_start_compress(&info, TRUE);
+        while (info.next_scanline < info.image_height) {
+            JSAMPROW row = pixels + std::size_t(info.next_scanline) * kWidth * 4;
+            jpeg_write_scanlines(&info, &row, 1);
+        }
+        jpeg_finish_compress(&info);
+        jpeg_destroy_compress(&info);
+        benchmark::DoNotOptimize(buffer);
+        std::free(buffer);
+    }
+    state.SetItemsProcessed(state.iterations() * kWidth * kHeight);
+}
+
+void PngDecode(benchmark::State &state) {
+    std::string const &file = File(codec::format::png);
+    for (auto _ : state) benchmark::DoNotOptimize(codec::Decode(Bytes(file), file.size()));
+}
+
+void PngDecode_Anchor(benchmark::State &state) {
+    std::string const &file = File(codec::format::png);
+    for (auto _ : state) {
+        png_image image{};
+        image.version = PNG_IMAGE_VERSION;
+        png_image_begin_read_from_memory(&image, file.data(), file.size());
+        image.format = PNG_FORMAT_BGRA;
+        std::vector<unsigned char> pixels(PNG_IMAGE_SIZE(image));
+        png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr);
+        benchmark::DoNotOptimize(pixels.data());
+    }
+}
+
+}  // namespace
+
+BENCHMARK(JpegDecode)->Unit(benchmark::kMillisecond);
+BENCHMARK(JpegDecode_Anchor)->Unit(benchmark::kMillisecond);
+BENCHMARK(JpegDecodeForThumbnail)->Unit(benchmark::kMillisecond);
+BENCHMARK(JpegEncodeWithExif)->Unit(benchmark::kMillisecond);
+BENCHMARK(JpegEncodeWithExif_Anchor)->Unit(benchmark::kMillisecond);
+BENCHMARK(PngDecode)->Unit(benchmark::kMillisecond);
+BENCHMARK(PngDecode_Anchor)->Unit(benchmark::kMillisecond);
