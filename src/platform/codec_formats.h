@@ -1,4 +1,5 @@
-// The decoders and encoders of each format, behind codec.h.
+// The decoders and encoders of each format, behind codec.h. Each decoder
+// takes only its own format, known by its first bytes (Sniff).
 #pragma once
 
 #include "codec.h"

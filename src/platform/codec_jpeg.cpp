@@ -138,6 +138,7 @@ bool Write(jpeg_compress_struct &info, quiet_errors &errors, cairo_surface_t *im
 }  // namespace
 
 surface DecodeJpeg(unsigned char const *data, std::size_t size, int boxWidth, int boxHeight) {
+    if (Sniff(data, size) != format::jpeg) return nullptr;
     jpeg_decompress_struct info{};
     quiet_errors errors;
     Quiet(errors);

@@ -93,6 +93,7 @@ bool Write(png_structp png, png_infop info, cairo_surface_t *image, std::vector<
 }  // namespace
 
 surface DecodePng(unsigned char const *data, std::size_t size) {
+    if (Sniff(data, size) != format::png) return nullptr;
     png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, Fail, Ignore);
     if (!png) return nullptr;
     png_infop info = png_create_info_struct(png);

@@ -73,6 +73,7 @@ struct tiff_close {
 }  // namespace
 
 surface DecodeTiff(unsigned char const *data, std::size_t size) {
+    if (Sniff(data, size) != format::tiff) return nullptr;
     memory_file f;
     f.mData = data;
     f.mSize = size;
