@@ -4,11 +4,7 @@
 #include <benchmark/benchmark.h>
 #include <sql.h>
 #include <sqlext.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
-
-#include <malloc.h>
 
 #include <clocale>
 #include <cstring>
@@ -17,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "memory_growth.h"
 #include "qor/tools/database/command.h"
 
 using namespace qor::tools;
@@ -186,48 +183,6 @@ void RecordSet_Anchor(benchmark::State &state) {
         if (raw.Fetch().size() != kRows) return state.SkipWithError("short result");
     }
     state.SetItemsProcessed(state.iterations() * kRows);
-}
-
-// A line of /proc/self/status, in bytes ("VmRSS:", "VmHWM:").
-double StatusBytes(char const *key) {
-    double kb = 0;
-    if (FILE *f = std::fopen("/proc/self/status", "r")) {
-        char line[256];
-        while (std::fgets(line, sizeof line, f)) {
-            if (std::strncmp(line, key, std::strlen(key)) == 0) kb = std::atof(line + std::strlen(key));
-        }
-        std::fclose(f);
-    }
-    return kb * 1024.0;
-}
-
-// How far a child process's resident memory rises over `action`, after
-// `setup`: the child gives its free heap back and resets its high-water mark
-// first, so that only what the action itself takes counts.
-template <typename S, typename F>
-double GrowthMegabytes(S &&setup, F &&action) {
-    int pipe[2];
-    if (::pipe(pipe) != 0) return -1;
-    pid_t child = ::fork();
-    if (child == 0) {
-        auto kept = setup();
-        ::malloc_trim(0);
-        if (FILE *f = std::fopen("/proc/self/clear_refs", "w")) {
-            std::fputs("5", f);
-            std::fclose(f);
-        }
-        double before = StatusBytes("VmRSS:");
-        action(*kept);
-        double grown = StatusBytes("VmHWM:") - before;
-        (void)!::write(pipe[1], &grown, sizeof grown);
-        ::_exit(0);
-    }
-    double grown = -1;
-    (void)!::read(pipe[0], &grown, sizeof grown);
-    ::waitpid(child, nullptr, 0);
-    ::close(pipe[0]);
-    ::close(pipe[1]);
-    return grown / double(1 << 20);
 }
 
 // Memory of a record set of 100,000 rows over that of the raw fetch keeping its rows.

@@ -6,14 +6,13 @@
 
 #include <openssl/evp.h>
 #include <openssl/provider.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <string>
 #include <vector>
 
+#include "memory_growth.h"
 #include "qor/tools/file/crypto.h"
 #include "qor/tools/file/xml.h"
 
@@ -62,34 +61,6 @@ private:
     OSSL_PROVIDER *mLegacy, *mDefault;
     EVP_CIPHER *mRc4;
 };
-
-// The peak of the heap while `action` runs, over what it was before, in a
-// child process (the high-water mark of a process only ever rises).
-template <typename F>
-double PeakMegabytes(F &&action) {
-    int pipe[2];
-    if (::pipe(pipe) != 0) return -1;
-    pid_t child = ::fork();
-    if (child == 0) {
-        long pages = 0, resident = 0;
-        if (FILE *f = std::fopen("/proc/self/statm", "r")) {
-            if (std::fscanf(f, "%ld %ld", &pages, &resident) != 2) resident = 0;
-            std::fclose(f);
-        }
-        action();
-        rusage usage{};
-        ::getrusage(RUSAGE_SELF, &usage);
-        double grown = double(usage.ru_maxrss) * 1024.0 - double(resident) * double(::sysconf(_SC_PAGESIZE));
-        (void)!::write(pipe[1], &grown, sizeof grown);
-        ::_exit(0);
-    }
-    double grown = -1;
-    (void)!::read(pipe[0], &grown, sizeof grown);
-    ::waitpid(child, nullptr, 0);
-    ::close(pipe[0]);
-    ::close(pipe[1]);
-    return grown / double(1 << 20);
-}
 
 void CryptoEncrypt(benchmark::State &state) {
     container::buffer data(kSize, true);
@@ -154,8 +125,8 @@ void CryptoPeakMemory(benchmark::State &state) {
     auto path = Path("peak");
     double encrypt = 0, decrypt = 0;
     for (auto _ : state) {
-        encrypt = PeakMegabytes([&] { file::Crypto::Encrypt(u"password", path.c_str(), data); });
-        decrypt = PeakMegabytes([&] {
+        encrypt = GrowthMegabytes([&] { file::Crypto::Encrypt(u"password", path.c_str(), data); });
+        decrypt = GrowthMegabytes([&] {
             container::buffer fresh;
             file::Crypto::Decrypt(u"password", path.c_str(), fresh);
         });

@@ -1,8 +1,11 @@
 // Little-endian reading of a block of bytes with bounds, and writing into a
-// string: what the library's own BMP and icon codecs parse and build with.
+// string: what the library's own BMP and icon codecs parse and build with;
+// and a source of bytes for the read callbacks of the codec libraries.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <string>
 
 namespace qor::tools::platform::codec {
@@ -17,6 +20,21 @@ struct bytes {
         if (!Has(at, 4)) return 0;
         return std::uint32_t(mData[at]) | std::uint32_t(mData[at + 1]) << 8 | std::uint32_t(mData[at + 2]) << 16 |
                std::uint32_t(mData[at + 3]) << 24;
+    }
+};
+
+// Bytes handed out in order to a codec library's read callback.
+struct source {
+    unsigned char const *mData;
+    std::size_t mSize;
+    std::size_t mAt = 0;
+
+    // Copies up to `n` bytes into `out`; the count copied.
+    std::size_t Take(void *out, std::size_t n) {
+        std::size_t count = std::min(n, mSize - mAt);
+        std::memcpy(out, mData + mAt, count);
+        mAt += count;
+        return count;
     }
 };
 

@@ -9,6 +9,7 @@
 
 #include <gif_lib.h>
 
+#include "codec_bytes.h"
 #include "codec_formats.h"
 #include "codec_pixels.h"
 
@@ -16,18 +17,8 @@ namespace qor::tools::platform::codec {
 
 namespace {
 
-struct reader {
-    unsigned char const *mData;
-    std::size_t mSize;
-    std::size_t mAt = 0;
-};
-
 int ReadBytes(GifFileType *gif, GifByteType *out, int n) {
-    auto *r = static_cast<reader *>(gif->UserData);
-    std::size_t count = std::min(std::size_t(n < 0 ? 0 : n), r->mSize - r->mAt);
-    std::memcpy(out, r->mData + r->mAt, count);
-    r->mAt += count;
-    return int(count);
+    return int(static_cast<source *>(gif->UserData)->Take(out, std::size_t(n < 0 ? 0 : n)));
 }
 
 int WriteBytes(GifFileType *gif, GifByteType const *in, int n) {
@@ -101,9 +92,9 @@ bool ExactPalette(std::vector<GifByteType> const &red, std::vector<GifByteType> 
 
 surface DecodeGif(unsigned char const *data, std::size_t size) {
     if (Sniff(data, size) != format::gif) return nullptr;  // giflib reads any "GIF" as a version
-    reader source{data, size};
+    source bytes{data, size};
     int error = 0;
-    std::unique_ptr<GifFileType, gif_close> gif(DGifOpen(&source, ReadBytes, &error));
+    std::unique_ptr<GifFileType, gif_close> gif(DGifOpen(&bytes, ReadBytes, &error));
     if (!gif) return nullptr;
     GraphicsControlBlock control{};
     if (!FirstImage(gif.get(), control)) return nullptr;

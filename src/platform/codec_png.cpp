@@ -7,6 +7,7 @@
 
 #include <png.h>
 
+#include "codec_bytes.h"
 #include "codec_formats.h"
 #include "codec_pixels.h"
 
@@ -14,17 +15,8 @@ namespace qor::tools::platform::codec {
 
 namespace {
 
-struct reader {
-    unsigned char const *mData;
-    std::size_t mSize;
-    std::size_t mAt = 0;
-};
-
 void ReadBytes(png_structp png, png_bytep out, png_size_t n) {
-    auto *r = static_cast<reader *>(png_get_io_ptr(png));
-    if (n > r->mSize - r->mAt) png_error(png, "truncated");
-    std::memcpy(out, r->mData + r->mAt, n);
-    r->mAt += n;
+    if (static_cast<source *>(png_get_io_ptr(png))->Take(out, n) != n) png_error(png, "truncated");
 }
 
 void WriteBytes(png_structp png, png_bytep in, png_size_t n) {
@@ -97,8 +89,8 @@ surface DecodePng(unsigned char const *data, std::size_t size) {
     png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, Fail, Ignore);
     if (!png) return nullptr;
     png_infop info = png_create_info_struct(png);
-    reader source{data, size};
-    png_set_read_fn(png, &source, ReadBytes);
+    source bytes{data, size};
+    png_set_read_fn(png, &bytes, ReadBytes);
     png_set_user_limits(png, kMaxSide, kMaxSide);
     png_set_chunk_malloc_max(png, 64u << 20);
     png_set_crc_action(png, PNG_CRC_DEFAULT, PNG_CRC_WARN_DISCARD);
