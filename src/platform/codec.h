@@ -48,6 +48,11 @@ surface Decode(unsigned char const *data, std::size_t size);
 // of its size that still covers the box; other formats come whole.
 surface DecodeForBox(unsigned char const *data, std::size_t size, int width, int height);
 
+// The size of a picture that can be decoded later, at the size its first use
+// needs: a sequential JPEG whose header reads whole and whose data runs to an
+// end-of-image marker. False for anything else, which is decoded at once.
+bool MeasureJpeg(unsigned char const *data, std::size_t size, int &width, int &height);
+
 // Writes an ARGB32 image surface in format `f` into `out`.
 bool Encode(format f, cairo_surface_t *image, options const &o, std::string &out);
 

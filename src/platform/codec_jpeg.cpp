@@ -89,6 +89,26 @@ bool Read(jpeg_decompress_struct &info, quiet_errors &errors, unsigned char cons
     return !errors.mTruncated;
 }
 
+// The header part of MeasureJpeg, which may jump back like Read.
+bool ReadHeader(jpeg_decompress_struct &info, quiet_errors &errors, unsigned char const *data, std::size_t size,
+                std::size_t &headerEnd) {
+    if (setjmp(errors.mJump)) return false;
+    jpeg_create_decompress(&info);
+    jpeg_mem_src(&info, data, static_cast<unsigned long>(size));
+    if (jpeg_read_header(&info, TRUE) != JPEG_HEADER_OK) return false;
+    headerEnd = size - info.src->bytes_in_buffer;
+    return true;
+}
+
+// Whether an end-of-image marker follows `from`: the entropy-coded data
+// cannot hold one (a 0xFF there is always followed by 0x00 or a restart).
+bool EndsAfter(unsigned char const *data, std::size_t size, std::size_t from) {
+    for (std::size_t i = size; i >= from + 2; --i) {
+        if (data[i - 2] == 0xff && data[i - 1] == 0xd9) return true;
+    }
+    return false;
+}
+
 bool IsOpaque(std::uint32_t const *row, JDIMENSION width) {
     std::uint32_t all = 0xffffffffu;
     for (JDIMENSION x = 0; x < width; ++x) all &= row[x];
@@ -167,6 +187,22 @@ bool EncodeJpeg(cairo_surface_t *image, options const &o, std::string &out) {
     if (ok) out.assign(reinterpret_cast<char const *>(state.mBuffer), state.mSize);
     std::free(state.mBuffer);
     return ok;
+}
+
+bool MeasureJpeg(unsigned char const *data, std::size_t size, int &width, int &height) {
+    if (Sniff(data, size) != format::jpeg) return false;
+    jpeg_decompress_struct info{};
+    quiet_errors errors;
+    Quiet(errors);
+    info.err = &errors.mManager;
+    std::size_t headerEnd = 0;
+    bool ok = ReadHeader(info, errors, data, size, headerEnd) && !info.progressive_mode &&
+              info.image_width <= unsigned(kMaxSide) && info.image_height <= unsigned(kMaxSide) &&
+              std::int64_t(info.image_width) * info.image_height <= kMaxPixels && EndsAfter(data, size, headerEnd);
+    width = int(info.image_width);
+    height = int(info.image_height);
+    jpeg_destroy_decompress(&info);
+    return ok && width > 0 && height > 0;
 }
 
 }  // namespace qor::tools::platform::codec

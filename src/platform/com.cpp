@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "wic_factory.h"
+
 namespace qor::tools {
 
 namespace {
@@ -14,9 +16,18 @@ void CoUninitialize() {
     if (tInitialized > 0) --tInitialized;
 }
 
-HRESULT CoCreateInstance(GUID const &, IUnknown *, DWORD, REFIID, void **out) {
-    if (out) *out = nullptr;
-    return REGDB_E_CLASSNOTREG;
+// The one class registered: the imaging factory, made on a thread that has
+// initialised COM, as on the platform.
+HRESULT CoCreateInstance(GUID const &clsid, IUnknown *outer, DWORD, REFIID iid, void **out) {
+    if (!out) return E_POINTER;
+    *out = nullptr;
+    if (!(clsid == CLSID_WICImagingFactory2 || clsid == CLSID_WICImagingFactory)) return REGDB_E_CLASSNOTREG;
+    if (outer) return CLASS_E_NOAGGREGATION;
+    if (tInitialized == 0) return CO_E_NOTINITIALIZED;
+    IWICImagingFactory *factory = platform::wic::NewFactory();
+    HRESULT result = factory->QueryInterface(iid, out);
+    factory->Release();
+    return result;
 }
 
 HRESULT CLSIDFromProgID(char16_t const *, GUID *clsid) {

@@ -144,6 +144,14 @@ bool block::Remove(std::uint16_t ifd, std::uint16_t tag) {
     return d != mIfds.end() && d->second.erase(tag) > 0;
 }
 
+std::vector<std::uint16_t> block::Tags(std::uint16_t ifd) const {
+    std::vector<std::uint16_t> tags;
+    auto d = mIfds.find(ifd);
+    if (d == mIfds.end()) return tags;
+    for (auto const &entry : d->second) tags.push_back(entry.first);
+    return tags;
+}
+
 std::string block::Build() const {
     std::string out(kHeader, sizeof kHeader);
     std::size_t base = out.size();  // offsets count from the TIFF header

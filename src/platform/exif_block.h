@@ -16,6 +16,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qor::tools::platform::exif {
 
@@ -53,6 +54,8 @@ public:
     field const *Find(std::uint16_t ifd, std::uint16_t tag) const;
     void Set(std::uint16_t ifd, std::uint16_t tag, std::uint16_t type, std::uint32_t count, std::string data);
     bool Remove(std::uint16_t ifd, std::uint16_t tag);
+    // The tags of a directory in ascending order (empty for one without fields).
+    std::vector<std::uint16_t> Tags(std::uint16_t ifd) const;
     std::string const &Thumbnail() const noexcept { return mThumbnail; }
     void Thumbnail(std::string jpeg) { mThumbnail = std::move(jpeg); }
     bool IsEmpty() const noexcept { return mIfds.empty() && mThumbnail.empty(); }

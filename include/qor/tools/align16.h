@@ -35,7 +35,7 @@ public:
     unsigned char &operator[](int i) const noexcept { return mData[i]; }
     unsigned char &operator[](long long i) const noexcept { return mData[i]; }
 
-private:
+protected:
     unsigned char *mBlock = nullptr;
     int mSize = 0;
     unsigned char *mData = nullptr;

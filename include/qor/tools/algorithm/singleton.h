@@ -25,8 +25,13 @@ public:
     }
 
     // The registered instance (kept as its base: it is registered while the T
-    // around it is still being made).
-    static inline singleton *mObject = nullptr;
+    // around it is still being made). A singleton of the library is
+    // instantiated in the library, so that the application and the library
+    // see the one registration.
+    static singleton *mObject;
 };
+
+template <typename T>
+singleton<T> *singleton<T>::mObject = nullptr;
 
 }  // namespace qor::tools::algorithm

@@ -1,0 +1,51 @@
+// direct2d::factory: the one entry to the platform's drawing, text and
+// imaging factories. The application makes one, calls Initialize (after
+// CoInitialize on the thread), and ends with Terminate; everything in
+// direct2d reaches the factories through factory::Instance().
+//
+//   new direct2d::factory;
+//   direct2d::factory::Instance()->Initialize(D2D1_FACTORY_TYPE_SINGLE_THREADED);
+//   ...
+//   direct2d::factory::Instance()->Terminate();
+#pragma once
+
+#include "qor/tools/export.h"
+
+#include "qor/tools/algorithm/singleton.h"
+#include "qor/tools/container/sptr.h"
+#include "qor/tools/platform/d2d1.h"
+#include "qor/tools/platform/dwrite.h"
+#include "qor/tools/platform/wincodec.h"
+
+namespace qor::tools::direct2d {
+
+class factory;
+
+}  // namespace qor::tools::direct2d
+
+namespace qor::tools::algorithm {
+extern template class QOR_TOOLS_API singleton<direct2d::factory>;
+}  // namespace qor::tools::algorithm
+
+namespace qor::tools::direct2d {
+
+class QOR_TOOLS_API factory : public algorithm::singleton<factory> {
+public:
+    factory() = default;
+    factory(factory const &) = default;
+    factory &operator=(factory const &) = default;
+    ~factory() override = default;
+
+    // Makes the three factories; throws exception "direct2d factory initialize".
+    void Initialize(D2D1_FACTORY_TYPE type);
+    ID2D1Factory *Factory() const noexcept { return mD2dFactory; }
+    IDWriteFactory *WriteFactory() const noexcept { return mWriteFactory; }
+    IWICImagingFactory *WICFactory() const noexcept { return mWicFactory; }
+
+protected:
+    container::comptr<ID2D1Factory> mD2dFactory;
+    container::comptr<IDWriteFactory> mWriteFactory;
+    container::comptr<IWICImagingFactory> mWicFactory;
+};
+
+}  // namespace qor::tools::direct2d

@@ -1,0 +1,39 @@
+// direct2d::wic::lock: a graphic::dib over the memory of a wic's bitmap, for
+// reading (WICBitmapLockRead) or writing (WICBitmapLockWrite). Pixel (x, y)
+// of the locked area is at Data() + y * Stride() + x * 4. A lock that cannot
+// be taken (no bitmap, an area outside it, a write lock while another lock is
+// open) has a null Data(): test it. The wic must outlive its locks.
+//
+//   direct2d::wic::lock pixels(image, 10, 10, 100, 50, WICBitmapLockWrite);   // x, y, width, height
+//   if (pixels.Data()) ...
+#pragma once
+
+#include "qor/tools/export.h"
+
+#include "qor/tools/container/sptr.h"
+#include "qor/tools/direct2d/wic.h"
+#include "qor/tools/graphic/dib.h"
+
+namespace qor::tools::direct2d {
+
+class QOR_TOOLS_API wic::lock : public graphic::dib {
+public:
+    lock(wic &image, int flags);
+    lock(wic &image, WICRect const &rect, int flags);
+    lock(wic &image, int x, int y, int width, int height, int flags);
+    lock(lock const &) = default;
+    lock &operator=(lock const &) = default;
+    ~lock() override;
+
+    // Gives the platform's lock back and empties the view; safe twice.
+    void Release();
+
+    int mFlags;
+    WICRect mRect;
+    container::comptr<IWICBitmapLock> mBitmapLock;
+
+private:
+    void _Lock(wic &image);
+};
+
+}  // namespace qor::tools::direct2d

@@ -1,0 +1,282 @@
+// The 2D drawing interfaces, COM-shaped, with the Windows names, ids,
+// constants, records and results: the factory, render targets, bitmaps,
+// brushes and stroke styles, and the D2D1 helper functions for building the
+// records. The library draws with Cairo: a render target wraps a cairo_t
+// (GetCairoContext) for anything beyond the common drawing set below.
+//
+//   ID2D1Factory *factory = nullptr;
+//   D2D1CreateFactory(D2D1_FACTORY_TYPE_SINGLE_THREADED, IID_ID2D1Factory, nullptr, (void **)&factory);
+//   factory->CreateWicBitmapRenderTarget(bitmap, D2D1::RenderTargetProperties(), &target);
+//   target->BeginDraw();
+//   target->CreateSolidColorBrush(D2D1::ColorF(1, 0, 0), &red);
+//   target->FillEllipse(D2D1::Ellipse(D2D1::Point2F(50, 50), 40, 30), red);
+//   target->EndDraw();
+#pragma once
+
+#include "qor/tools/export.h"
+
+#include <cstdint>
+
+#include "qor/tools/platform/cairo_fwd.h"
+#include "qor/tools/platform/com.h"
+#include "qor/tools/platform/geometry.h"
+#include "qor/tools/platform/wincodec.h"
+
+namespace qor::tools {
+
+using D2D1_TAG = std::uint64_t;
+
+enum D2D1_FACTORY_TYPE : DWORD { D2D1_FACTORY_TYPE_SINGLE_THREADED = 0, D2D1_FACTORY_TYPE_MULTI_THREADED = 1 };
+enum D2D1_RENDER_TARGET_TYPE : DWORD { D2D1_RENDER_TARGET_TYPE_DEFAULT = 0, D2D1_RENDER_TARGET_TYPE_SOFTWARE = 1,
+                                       D2D1_RENDER_TARGET_TYPE_HARDWARE = 2 };
+enum DXGI_FORMAT : DWORD { DXGI_FORMAT_UNKNOWN = 0, DXGI_FORMAT_B8G8R8A8_UNORM = 87 };
+enum D2D1_ALPHA_MODE : DWORD { D2D1_ALPHA_MODE_UNKNOWN = 0, D2D1_ALPHA_MODE_PREMULTIPLIED = 1,
+                               D2D1_ALPHA_MODE_STRAIGHT = 2, D2D1_ALPHA_MODE_IGNORE = 3 };
+enum D2D1_RENDER_TARGET_USAGE : DWORD { D2D1_RENDER_TARGET_USAGE_NONE = 0 };
+enum D2D1_FEATURE_LEVEL : DWORD { D2D1_FEATURE_LEVEL_DEFAULT = 0 };
+enum D2D1_BITMAP_INTERPOLATION_MODE : DWORD { D2D1_BITMAP_INTERPOLATION_MODE_NEAREST_NEIGHBOR = 0,
+                                              D2D1_BITMAP_INTERPOLATION_MODE_LINEAR = 1 };
+enum D2D1_ANTIALIAS_MODE : DWORD { D2D1_ANTIALIAS_MODE_PER_PRIMITIVE = 0, D2D1_ANTIALIAS_MODE_ALIASED = 1 };
+enum D2D1_CAP_STYLE : DWORD { D2D1_CAP_STYLE_FLAT = 0, D2D1_CAP_STYLE_SQUARE = 1, D2D1_CAP_STYLE_ROUND = 2,
+                              D2D1_CAP_STYLE_TRIANGLE = 3 };
+enum D2D1_LINE_JOIN : DWORD { D2D1_LINE_JOIN_MITER = 0, D2D1_LINE_JOIN_BEVEL = 1, D2D1_LINE_JOIN_ROUND = 2,
+                              D2D1_LINE_JOIN_MITER_OR_BEVEL = 3 };
+enum D2D1_DASH_STYLE : DWORD { D2D1_DASH_STYLE_SOLID = 0, D2D1_DASH_STYLE_DASH = 1, D2D1_DASH_STYLE_DOT = 2,
+                               D2D1_DASH_STYLE_DASH_DOT = 3, D2D1_DASH_STYLE_DASH_DOT_DOT = 4,
+                               D2D1_DASH_STYLE_CUSTOM = 5 };
+
+inline constexpr HRESULT D2DERR_WRONG_STATE = static_cast<HRESULT>(0x88990001u);
+inline constexpr HRESULT D2DERR_NOT_INITIALIZED = static_cast<HRESULT>(0x88990002u);
+inline constexpr HRESULT D2DERR_UNSUPPORTED_OPERATION = static_cast<HRESULT>(0x88990003u);
+inline constexpr HRESULT D2DERR_BAD_NUMBER = static_cast<HRESULT>(0x88990011u);
+inline constexpr HRESULT D2DERR_UNSUPPORTED_PIXEL_FORMAT = WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT;
+
+struct QOR_TOOLS_API D2D1_SIZE_U {
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+};
+struct QOR_TOOLS_API D2D1_COLOR_F {
+    float r = 0, g = 0, b = 0, a = 0;
+};
+struct QOR_TOOLS_API D2D1_MATRIX_3X2_F {
+    float _11 = 1, _12 = 0, _21 = 0, _22 = 1, _31 = 0, _32 = 0;
+};
+struct QOR_TOOLS_API D2D1_ELLIPSE {
+    D2D1_POINT_2F point;
+    float radiusX = 0, radiusY = 0;
+};
+struct QOR_TOOLS_API D2D1_ROUNDED_RECT {
+    D2D1_RECT_F rect;
+    float radiusX = 0, radiusY = 0;
+};
+struct QOR_TOOLS_API D2D1_PIXEL_FORMAT {
+    DXGI_FORMAT format = DXGI_FORMAT_UNKNOWN;
+    D2D1_ALPHA_MODE alphaMode = D2D1_ALPHA_MODE_UNKNOWN;
+};
+struct QOR_TOOLS_API D2D1_BITMAP_PROPERTIES {
+    D2D1_PIXEL_FORMAT pixelFormat;
+    float dpiX = 0, dpiY = 0;
+};
+struct QOR_TOOLS_API D2D1_BRUSH_PROPERTIES {
+    float opacity = 1;
+    D2D1_MATRIX_3X2_F transform;
+};
+struct QOR_TOOLS_API D2D1_RENDER_TARGET_PROPERTIES {
+    D2D1_RENDER_TARGET_TYPE type = D2D1_RENDER_TARGET_TYPE_DEFAULT;
+    D2D1_PIXEL_FORMAT pixelFormat;
+    float dpiX = 0, dpiY = 0;
+    D2D1_RENDER_TARGET_USAGE usage = D2D1_RENDER_TARGET_USAGE_NONE;
+    D2D1_FEATURE_LEVEL minLevel = D2D1_FEATURE_LEVEL_DEFAULT;
+};
+struct QOR_TOOLS_API D2D1_STROKE_STYLE_PROPERTIES {
+    D2D1_CAP_STYLE startCap = D2D1_CAP_STYLE_FLAT;
+    D2D1_CAP_STYLE endCap = D2D1_CAP_STYLE_FLAT;
+    D2D1_CAP_STYLE dashCap = D2D1_CAP_STYLE_FLAT;
+    D2D1_LINE_JOIN lineJoin = D2D1_LINE_JOIN_MITER;
+    float miterLimit = 10;
+    D2D1_DASH_STYLE dashStyle = D2D1_DASH_STYLE_SOLID;
+    float dashOffset = 0;
+};
+struct QOR_TOOLS_API D2D1_FACTORY_OPTIONS {
+    DWORD debugLevel = 0;
+};
+
+inline constexpr IID IID_ID2D1Factory = {0x06152247, 0x6f50, 0x465a, {0x92, 0x45, 0x11, 0x8b, 0xfd, 0x3b, 0x60, 0x07}};
+inline constexpr IID IID_ID2D1Resource = {0x2cd90691, 0x12e2, 0x11dc, {0x9f, 0xed, 0x00, 0x11, 0x43, 0xa0, 0x55, 0xf9}};
+inline constexpr IID IID_ID2D1RenderTarget = {0x2cd90694, 0x12e2, 0x11dc, {0x9f, 0xed, 0x00, 0x11, 0x43, 0xa0, 0x55, 0xf9}};
+inline constexpr IID IID_ID2D1Brush = {0x2cd906a8, 0x12e2, 0x11dc, {0x9f, 0xed, 0x00, 0x11, 0x43, 0xa0, 0x55, 0xf9}};
+inline constexpr IID IID_ID2D1SolidColorBrush = {0x2cd906a9, 0x12e2, 0x11dc, {0x9f, 0xed, 0x00, 0x11, 0x43, 0xa0, 0x55, 0xf9}};
+inline constexpr IID IID_ID2D1StrokeStyle = {0x2cd9069d, 0x12e2, 0x11dc, {0x9f, 0xed, 0x00, 0x11, 0x43, 0xa0, 0x55, 0xf9}};
+inline constexpr IID IID_ID2D1Bitmap = {0xa2296057, 0xea42, 0x4099, {0x98, 0x3b, 0x53, 0x9f, 0xb6, 0x50, 0x54, 0x26}};
+
+struct ID2D1Factory;
+
+struct QOR_TOOLS_API ID2D1Resource : IUnknown {
+    static constexpr IID const &iid = IID_ID2D1Resource;
+    virtual void GetFactory(ID2D1Factory **factory) const = 0;
+
+protected:
+    ~ID2D1Resource() = default;
+};
+
+struct QOR_TOOLS_API ID2D1Brush : ID2D1Resource {
+    static constexpr IID const &iid = IID_ID2D1Brush;
+    virtual void SetOpacity(float opacity) = 0;
+    virtual void SetTransform(D2D1_MATRIX_3X2_F const &transform) = 0;
+    virtual float GetOpacity() const = 0;
+    virtual void GetTransform(D2D1_MATRIX_3X2_F *transform) const = 0;
+
+protected:
+    ~ID2D1Brush() = default;
+};
+
+struct QOR_TOOLS_API ID2D1SolidColorBrush : ID2D1Brush {
+    static constexpr IID const &iid = IID_ID2D1SolidColorBrush;
+    virtual void SetColor(D2D1_COLOR_F const &color) = 0;
+    virtual D2D1_COLOR_F GetColor() const = 0;
+
+protected:
+    ~ID2D1SolidColorBrush() = default;
+};
+
+struct QOR_TOOLS_API ID2D1StrokeStyle : ID2D1Resource {
+    static constexpr IID const &iid = IID_ID2D1StrokeStyle;
+    virtual D2D1_CAP_STYLE GetStartCap() const = 0;
+    virtual D2D1_CAP_STYLE GetEndCap() const = 0;
+    virtual D2D1_CAP_STYLE GetDashCap() const = 0;
+    virtual float GetMiterLimit() const = 0;
+    virtual D2D1_LINE_JOIN GetLineJoin() const = 0;
+    virtual float GetDashOffset() const = 0;
+    virtual D2D1_DASH_STYLE GetDashStyle() const = 0;
+    virtual std::uint32_t GetDashesCount() const = 0;
+    virtual void GetDashes(float *dashes, std::uint32_t count) const = 0;
+
+protected:
+    ~ID2D1StrokeStyle() = default;
+};
+
+struct QOR_TOOLS_API ID2D1Bitmap : ID2D1Resource {
+    static constexpr IID const &iid = IID_ID2D1Bitmap;
+    virtual D2D1_SIZE_F GetSize() const = 0;
+    virtual D2D1_SIZE_U GetPixelSize() const = 0;
+    virtual D2D1_PIXEL_FORMAT GetPixelFormat() const = 0;
+    virtual void GetDpi(float *dpiX, float *dpiY) const = 0;
+
+protected:
+    ~ID2D1Bitmap() = default;
+};
+
+struct QOR_TOOLS_API ID2D1RenderTarget : ID2D1Resource {
+    static constexpr IID const &iid = IID_ID2D1RenderTarget;
+    // A bitmap of premultiplied BGRA rows (`source` may be null: transparent).
+    virtual HRESULT CreateBitmap(D2D1_SIZE_U size, void const *source, std::uint32_t pitch,
+                                 D2D1_BITMAP_PROPERTIES const &properties, ID2D1Bitmap **bitmap) = 0;
+    virtual HRESULT CreateBitmapFromWicBitmap(IWICBitmapSource *source, D2D1_BITMAP_PROPERTIES const *properties,
+                                              ID2D1Bitmap **bitmap) = 0;
+    virtual HRESULT CreateSolidColorBrush(D2D1_COLOR_F const &color, D2D1_BRUSH_PROPERTIES const *properties,
+                                          ID2D1SolidColorBrush **brush) = 0;
+    HRESULT CreateSolidColorBrush(D2D1_COLOR_F const &color, ID2D1SolidColorBrush **brush) {
+        return CreateSolidColorBrush(color, nullptr, brush);
+    }
+    virtual void DrawLine(D2D1_POINT_2F from, D2D1_POINT_2F to, ID2D1Brush *brush, float width = 1.0f,
+                          ID2D1StrokeStyle *style = nullptr) = 0;
+    virtual void DrawRectangle(D2D1_RECT_F const &rect, ID2D1Brush *brush, float width = 1.0f,
+                               ID2D1StrokeStyle *style = nullptr) = 0;
+    virtual void FillRectangle(D2D1_RECT_F const &rect, ID2D1Brush *brush) = 0;
+    virtual void DrawRoundedRectangle(D2D1_ROUNDED_RECT const &rect, ID2D1Brush *brush, float width = 1.0f,
+                                      ID2D1StrokeStyle *style = nullptr) = 0;
+    virtual void FillRoundedRectangle(D2D1_ROUNDED_RECT const &rect, ID2D1Brush *brush) = 0;
+    virtual void DrawEllipse(D2D1_ELLIPSE const &ellipse, ID2D1Brush *brush, float width = 1.0f,
+                             ID2D1StrokeStyle *style = nullptr) = 0;
+    virtual void FillEllipse(D2D1_ELLIPSE const &ellipse, ID2D1Brush *brush) = 0;
+    // Null rectangles: the whole target, the whole bitmap.
+    virtual void DrawBitmap(ID2D1Bitmap *bitmap, D2D1_RECT_F const *destination = nullptr, float opacity = 1.0f,
+                            D2D1_BITMAP_INTERPOLATION_MODE mode = D2D1_BITMAP_INTERPOLATION_MODE_LINEAR,
+                            D2D1_RECT_F const *source = nullptr) = 0;
+    virtual void SetTransform(D2D1_MATRIX_3X2_F const &transform) = 0;
+    virtual void GetTransform(D2D1_MATRIX_3X2_F *transform) const = 0;
+    virtual void SetAntialiasMode(D2D1_ANTIALIAS_MODE mode) = 0;
+    virtual D2D1_ANTIALIAS_MODE GetAntialiasMode() const = 0;
+    virtual void PushAxisAlignedClip(D2D1_RECT_F const &clip, D2D1_ANTIALIAS_MODE mode) = 0;
+    virtual void PopAxisAlignedClip() = 0;
+    // Inside the clip, every pixel becomes `color` (null: transparent black).
+    virtual void Clear(D2D1_COLOR_F const *color = nullptr) = 0;
+    void Clear(D2D1_COLOR_F const &color) { Clear(&color); }
+    virtual void BeginDraw() = 0;
+    // S_OK, or the first failure since BeginDraw (D2DERR_WRONG_STATE without one).
+    virtual HRESULT EndDraw(D2D1_TAG *tag1 = nullptr, D2D1_TAG *tag2 = nullptr) = 0;
+    virtual HRESULT Flush(D2D1_TAG *tag1 = nullptr, D2D1_TAG *tag2 = nullptr) = 0;
+    virtual D2D1_PIXEL_FORMAT GetPixelFormat() const = 0;
+    virtual void SetDpi(float dpiX, float dpiY) = 0;
+    virtual void GetDpi(float *dpiX, float *dpiY) const = 0;
+    virtual D2D1_SIZE_F GetSize() const = 0;
+    virtual D2D1_SIZE_U GetPixelSize() const = 0;
+    // The Cairo context the target draws with (no reference added).
+    virtual cairo_t *GetCairoContext() = 0;
+
+protected:
+    ~ID2D1RenderTarget() = default;
+};
+
+struct QOR_TOOLS_API ID2D1Factory : IUnknown {
+    static constexpr IID const &iid = IID_ID2D1Factory;
+    virtual HRESULT ReloadSystemMetrics() = 0;
+    // The screen's resolution: 96 by 96 without a display.
+    virtual void GetDesktopDpi(float *dpiX, float *dpiY) = 0;
+    virtual HRESULT CreateStrokeStyle(D2D1_STROKE_STYLE_PROPERTIES const &properties, float const *dashes,
+                                      std::uint32_t count, ID2D1StrokeStyle **style) = 0;
+    // A target that draws into the bitmap's own pixels.
+    virtual HRESULT CreateWicBitmapRenderTarget(IWICBitmap *bitmap, D2D1_RENDER_TARGET_PROPERTIES const &properties,
+                                                ID2D1RenderTarget **target) = 0;
+
+protected:
+    ~ID2D1Factory() = default;
+};
+
+QOR_TOOLS_API HRESULT D2D1CreateFactory(D2D1_FACTORY_TYPE type, REFIID iid, D2D1_FACTORY_OPTIONS const *options,
+                                        void **factory);
+
+}  // namespace qor::tools
+
+// The helper functions of the Windows headers for building the records.
+namespace D2D1 {
+
+using namespace qor::tools;
+
+inline D2D1_POINT_2F Point2F(float x = 0, float y = 0) { return {x, y}; }
+inline D2D1_SIZE_F SizeF(float width = 0, float height = 0) { return {width, height}; }
+inline D2D1_SIZE_U SizeU(std::uint32_t width = 0, std::uint32_t height = 0) { return {width, height}; }
+inline D2D1_RECT_F RectF(float left = 0, float top = 0, float right = 0, float bottom = 0) {
+    return {left, top, right, bottom};
+}
+inline D2D1_ELLIPSE Ellipse(D2D1_POINT_2F center, float radiusX, float radiusY) { return {center, radiusX, radiusY}; }
+inline D2D1_ROUNDED_RECT RoundedRect(D2D1_RECT_F const &rect, float radiusX, float radiusY) {
+    return {rect, radiusX, radiusY};
+}
+inline D2D1_MATRIX_3X2_F IdentityMatrix() { return {}; }
+inline D2D1_PIXEL_FORMAT PixelFormat(DXGI_FORMAT format = DXGI_FORMAT_UNKNOWN,
+                                     D2D1_ALPHA_MODE alpha = D2D1_ALPHA_MODE_UNKNOWN) {
+    return {format, alpha};
+}
+inline D2D1_RENDER_TARGET_PROPERTIES RenderTargetProperties(
+    D2D1_RENDER_TARGET_TYPE type = D2D1_RENDER_TARGET_TYPE_DEFAULT, D2D1_PIXEL_FORMAT format = PixelFormat(),
+    float dpiX = 0, float dpiY = 0, D2D1_RENDER_TARGET_USAGE usage = D2D1_RENDER_TARGET_USAGE_NONE,
+    D2D1_FEATURE_LEVEL level = D2D1_FEATURE_LEVEL_DEFAULT) {
+    return {type, format, dpiX, dpiY, usage, level};
+}
+inline D2D1_STROKE_STYLE_PROPERTIES StrokeStyleProperties(
+    D2D1_CAP_STYLE startCap = D2D1_CAP_STYLE_FLAT, D2D1_CAP_STYLE endCap = D2D1_CAP_STYLE_FLAT,
+    D2D1_CAP_STYLE dashCap = D2D1_CAP_STYLE_FLAT, D2D1_LINE_JOIN join = D2D1_LINE_JOIN_MITER,
+    float miterLimit = 10, D2D1_DASH_STYLE dash = D2D1_DASH_STYLE_SOLID, float dashOffset = 0) {
+    return {startCap, endCap, dashCap, join, miterLimit, dash, dashOffset};
+}
+
+// A colour from components (0 to 1) or from a 0xRRGGBB value.
+struct ColorF : D2D1_COLOR_F {
+    ColorF(float red, float green, float blue, float alpha = 1) : D2D1_COLOR_F{red, green, blue, alpha} {}
+    explicit ColorF(std::uint32_t rgb, float alpha = 1)
+        : D2D1_COLOR_F{float((rgb >> 16) & 0xff) / 255.0f, float((rgb >> 8) & 0xff) / 255.0f,
+                       float(rgb & 0xff) / 255.0f, alpha} {}
+};
+
+}  // namespace D2D1

@@ -1,0 +1,67 @@
+// The 2D drawing factory and the text factory's entry point.
+#include <cairo.h>
+
+#include "d2d_target.h"
+#include "qor/tools/platform/dwrite.h"
+#include "wic_bitmap.h"
+
+namespace qor::tools {
+
+namespace {
+
+class d2d_factory final : public platform::com_object<ID2D1Factory> {
+public:
+    HRESULT ReloadSystemMetrics() override { return S_OK; }
+    void GetDesktopDpi(float *dpiX, float *dpiY) override {
+        if (dpiX) *dpiX = 96;
+        if (dpiY) *dpiY = 96;
+    }
+    HRESULT CreateStrokeStyle(D2D1_STROKE_STYLE_PROPERTIES const &properties, float const *dashes,
+                              std::uint32_t count, ID2D1StrokeStyle **style) override {
+        if (properties.dashStyle == D2D1_DASH_STYLE_CUSTOM && count && !dashes) return E_INVALIDARG;
+        return platform::HandOut(platform::d2d::NewStrokeStyle(this, properties, dashes, count), style);
+    }
+    HRESULT CreateWicBitmapRenderTarget(IWICBitmap *bitmap, D2D1_RENDER_TARGET_PROPERTIES const &properties,
+                                        ID2D1RenderTarget **target) override {
+        if (!target) return E_INVALIDARG;
+        *target = nullptr;
+        if (!bitmap) return E_INVALIDARG;
+        D2D1_PIXEL_FORMAT f = properties.pixelFormat;
+        if ((f.format != DXGI_FORMAT_UNKNOWN && f.format != DXGI_FORMAT_B8G8R8A8_UNORM) ||
+            f.alphaMode == D2D1_ALPHA_MODE_STRAIGHT) {
+            return D2DERR_UNSUPPORTED_PIXEL_FORMAT;
+        }
+        cairo_surface_t *pixels = bitmap->GetCairoSurface();
+        if (!pixels) return E_OUTOFMEMORY;
+        auto *made = new platform::d2d::render_target(this, pixels, bitmap, properties.dpiX, properties.dpiY);
+        return platform::HandOut(made, target);
+    }
+};
+
+// Text formats and layouts come with the text layer; the factory is their root.
+class write_factory final : public platform::com_object<IDWriteFactory> {};
+
+template <typename T>
+HRESULT Made(T *object, REFIID iid, void **out) {
+    HRESULT result = object->QueryInterface(iid, out);
+    object->Release();
+    return result;
+}
+
+}  // namespace
+
+HRESULT D2D1CreateFactory(D2D1_FACTORY_TYPE type, REFIID iid, D2D1_FACTORY_OPTIONS const *, void **factory) {
+    if (!factory) return E_POINTER;
+    *factory = nullptr;
+    if (type != D2D1_FACTORY_TYPE_SINGLE_THREADED && type != D2D1_FACTORY_TYPE_MULTI_THREADED) return E_INVALIDARG;
+    return Made(new d2d_factory, iid, factory);
+}
+
+HRESULT DWriteCreateFactory(DWRITE_FACTORY_TYPE type, REFIID iid, IUnknown **factory) {
+    if (!factory) return E_POINTER;
+    *factory = nullptr;
+    if (type != DWRITE_FACTORY_TYPE_SHARED && type != DWRITE_FACTORY_TYPE_ISOLATED) return E_INVALIDARG;
+    return Made(new write_factory, iid, reinterpret_cast<void **>(factory));
+}
+
+}  // namespace qor::tools
