@@ -10,10 +10,13 @@
 
 #include "platform/codec.h"
 #include "platform/exif_block.h"
+#include "support/command.h"
 #include "support/temp_dir.h"
 
 using namespace qor::tools::platform;
 using qor::tools::testing::temp_dir;
+using qor::tools::testing::Have;
+using qor::tools::testing::Output;
 
 namespace {
 
@@ -31,18 +34,6 @@ std::string Jpeg(int width, int height, std::string const &app1 = {}) {
     return out;
 }
 
-// What a command prints on its standard output.
-std::string Output(std::string const &command) {
-    std::string out;
-    if (FILE *p = ::popen((command + " 2>/dev/null").c_str(), "r")) {
-        char buffer[4096];
-        for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, p)) > 0;) out.append(buffer, n);
-        ::pclose(p);
-    }
-    return out;
-}
-
-bool Have(char const *tool) { return !Output(std::string("command -v ") + tool).empty(); }
 
 // A block with a field of each kind the imaging layer writes, and a thumbnail.
 exif::block Sample(std::string const &thumbnail) {
