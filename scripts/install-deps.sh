@@ -11,7 +11,7 @@ packages=(
   libjpeg-dev libpng-dev libtiff-dev libgif-dev
   unixodbc-dev odbc-postgresql libsqliteodbc sqlite3 postgresql
   xvfb xauth locales python3
-  libimage-exiftool-perl exiv2
+  libimage-exiftool-perl exiv2 libvips-tools
 )
 
 missing=()
