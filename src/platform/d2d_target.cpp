@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "box_reduce.h"
 #include "codec_formats.h"
 #include "d2d_resources.h"
 #include "wic_bitmap.h"
@@ -252,6 +253,19 @@ void render_target::DrawBitmap(ID2D1Bitmap *image, D2D1_RECT_F const *destinatio
     if (!pixels) return;
     double reduction = cairo_image_surface_get_width(pixels) / double(whole.width);
     double reductionY = cairo_image_surface_get_height(pixels) / double(whole.height);
+    // A whole picture shrunk to a fraction of its size is first reduced by whole
+    // factors, so that the smooth scaler below reads few pixels.
+    bool upright = device.yx == 0 && device.xy == 0;
+    int kx = std::min(64, int(cairo_image_surface_get_width(pixels) / std::max(boxWidth, 1.0)));
+    int ky = std::min(64, int(cairo_image_surface_get_height(pixels) / std::max(boxHeight, 1.0)));
+    if (!source && upright && mode == D2D1_BITMAP_INTERPOLATION_MODE_LINEAR && kx >= 2 && ky >= 2) {
+        if (codec::surface reduced = BoxReduce(pixels, kx, ky)) {
+            cairo_surface_destroy(pixels);
+            pixels = reduced.release();
+            reduction /= kx;
+            reductionY /= ky;
+        }
+    }
     cairo_save(mCairo);
     cairo_rectangle(mCairo, to.left, to.top, to.right - to.left, to.bottom - to.top);
     cairo_clip(mCairo);
