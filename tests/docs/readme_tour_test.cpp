@@ -59,6 +59,19 @@ TEST(ReadmeTour, EverySnippetRuns) {
         EXPECT_NE(dir.Read("settings.xml").find("1024"), std::string::npos);
     }
     {
+        qor::tools::CoInitialize(nullptr);
+        (new qor::tools::direct2d::factory)->Initialize(qor::tools::D2D1_FACTORY_TYPE_SINGLE_THREADED);
+        qor::tools::direct2d::wic picture(64, 48);
+        qor::tools::direct2d::wic::exif record;
+        record.mMake = u"QorTools";
+        picture.Save(0.9f, u"picture.jpg", &record);   // EXIF and a thumbnail
+        qor::tools::direct2d::wic thumbnail = picture.Scale(16, 16);
+        qor::tools::direct2d::factory::Instance()->Terminate();
+        EXPECT_EQ(thumbnail.Size().height, 12);
+        EXPECT_EQ(record.mThumbnailWidth, 160);
+        qor::tools::CoUninitialize();
+    }
+    {
         qor::tools::graphic::circle c(qor::tools::graphic::pointd(0, 0), qor::tools::graphic::pointd(2, 0),
                                       qor::tools::graphic::pointd(1, 1));
         double area = c.Area();
