@@ -1,35 +1,19 @@
 #include "memory_stream.h"
 
-#include <atomic>
 #include <cstring>
 #include <vector>
+
+#include "com_object.h"
 
 namespace qor::tools::platform {
 
 namespace {
 
-class memory_stream final : public IStream {
+class memory_stream final : public com_object<IStream, ISequentialStream> {
 public:
     memory_stream(void const *data, std::size_t size)
         : mBytes(static_cast<unsigned char const *>(data), static_cast<unsigned char const *>(data) + size) {}
-    virtual ~memory_stream() = default;
 
-    HRESULT QueryInterface(REFIID riid, void **out) override {
-        if (!out) return E_POINTER;
-        *out = nullptr;
-        if (riid == IID_IUnknown || riid == IID_ISequentialStream || riid == IID_IStream) {
-            *out = static_cast<IStream *>(this);
-            AddRef();
-            return S_OK;
-        }
-        return E_NOINTERFACE;
-    }
-    ULONG AddRef() override { return ++mCount; }
-    ULONG Release() override {
-        ULONG n = --mCount;
-        if (n == 0) delete this;
-        return n;
-    }
     HRESULT Read(void *out, ULONG count, ULONG *done) override {
         if (done) *done = 0;
         if (!out) return STG_E_INVALIDPOINTER;
@@ -68,7 +52,6 @@ public:
     }
 
 private:
-    std::atomic<ULONG> mCount{1};
     std::vector<unsigned char> mBytes;
     std::size_t mPosition = 0;
 };
