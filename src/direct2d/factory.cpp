@@ -1,6 +1,7 @@
 #include "qor/tools/direct2d/factory.h"
 
 #include "qor/tools/exception.h"
+#include "direct2d/target_properties.h"
 
 template class qor::tools::algorithm::singleton<qor::tools::direct2d::factory>;
 
@@ -20,6 +21,40 @@ void factory::Initialize(D2D1_FACTORY_TYPE type) {
                                    reinterpret_cast<IUnknown **>(mWriteFactory.Addr())))) {
         throw exception(u"direct2d factory initialize");
     }
+}
+
+target<ID2D1DCRenderTarget> factory::CreateRenderTarget(HDC dc, CRect const &rect) {
+    target<ID2D1DCRenderTarget> t;
+    if (!mD2dFactory || FAILED(mD2dFactory->CreateDCRenderTarget(TargetProperties(), t.Addr())) ||
+        FAILED(t->BindDC(dc, &rect))) {
+        throw exception(u"direct2d factory create dc target");
+    }
+    return t;
+}
+
+path factory::CreatePathGeometry() {
+    path geometry;
+    if (!mD2dFactory || FAILED(mD2dFactory->CreatePathGeometry(geometry.Addr()))) {
+        throw exception(u"direct2d factory create path geometry");
+    }
+    return geometry;
+}
+
+ID2D1Bitmap *factory::LoadBitmapFromFile(ID2D1RenderTarget *target, char16_t const *file) {
+    container::comptr<IWICBitmapDecoder> decoder;
+    container::comptr<IWICBitmapFrameDecode> frame;
+    container::comptr<IWICFormatConverter> converter;
+    ID2D1Bitmap *bitmap = nullptr;
+    if (!mWicFactory || !target ||
+        FAILED(mWicFactory->CreateDecoderFromFilename(file, nullptr, GENERIC_READ, WICDecodeMetadataCacheOnLoad,
+                                                      decoder.Addr())) ||
+        FAILED(decoder->GetFrame(0, frame.Addr())) || FAILED(mWicFactory->CreateFormatConverter(converter.Addr())) ||
+        FAILED(converter->Initialize(frame, GUID_WICPixelFormat32bppPBGRA, WICBitmapDitherTypeNone, nullptr, 0.0,
+                                     WICBitmapPaletteTypeMedianCut)) ||
+        FAILED(target->CreateBitmapFromWicBitmap(converter, nullptr, &bitmap))) {
+        return nullptr;
+    }
+    return bitmap;
 }
 
 }  // namespace qor::tools::direct2d

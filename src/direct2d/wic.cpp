@@ -6,6 +6,7 @@
 
 #include "qor/tools/direct2d/factory.h"
 #include "qor/tools/exception.h"
+#include "direct2d/target_properties.h"
 #include "qor/tools/file/operations.h"
 #include "platform/file_system.h"
 
@@ -16,13 +17,6 @@ namespace {
 IWICImagingFactory *Imaging() {
     factory *f = factory::Instance();
     return f ? f->WICFactory() : nullptr;
-}
-
-D2D1_RENDER_TARGET_PROPERTIES const &TargetProperties() {
-    static D2D1_RENDER_TARGET_PROPERTIES const properties = D2D1::RenderTargetProperties(
-        D2D1_RENDER_TARGET_TYPE_DEFAULT, D2D1::PixelFormat(DXGI_FORMAT_B8G8R8A8_UNORM, D2D1_ALPHA_MODE_PREMULTIPLIED),
-        0, 0, D2D1_RENDER_TARGET_USAGE_NONE, D2D1_FEATURE_LEVEL_DEFAULT);
-    return properties;
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The 2D drawing factory and the text factory's entry point.
 #include <cairo.h>
 
+#include "d2d_path.h"
 #include "d2d_target.h"
 #include "qor/tools/platform/dwrite.h"
 #include "wic_bitmap.h"
@@ -8,6 +9,12 @@
 namespace qor::tools {
 
 namespace {
+
+// Targets draw premultiplied BGRA only.
+bool Supported(D2D1_PIXEL_FORMAT f) {
+    return (f.format == DXGI_FORMAT_UNKNOWN || f.format == DXGI_FORMAT_B8G8R8A8_UNORM) &&
+           f.alphaMode != D2D1_ALPHA_MODE_STRAIGHT;
+}
 
 class d2d_factory final : public platform::com_object<ID2D1Factory> {
 public:
@@ -21,16 +28,22 @@ public:
         if (properties.dashStyle == D2D1_DASH_STYLE_CUSTOM && count && !dashes) return E_INVALIDARG;
         return platform::HandOut(platform::d2d::NewStrokeStyle(this, properties, dashes, count), style);
     }
+    HRESULT CreatePathGeometry(ID2D1PathGeometry **geometry) override {
+        return platform::HandOut(new platform::d2d::path_geometry(this), geometry);
+    }
+    HRESULT CreateDCRenderTarget(D2D1_RENDER_TARGET_PROPERTIES const &properties,
+                                 ID2D1DCRenderTarget **target) override {
+        if (!target) return E_INVALIDARG;
+        *target = nullptr;
+        if (!Supported(properties.pixelFormat)) return D2DERR_UNSUPPORTED_PIXEL_FORMAT;
+        return platform::HandOut(new platform::d2d::dc_target(this, properties.dpiX, properties.dpiY), target);
+    }
     HRESULT CreateWicBitmapRenderTarget(IWICBitmap *bitmap, D2D1_RENDER_TARGET_PROPERTIES const &properties,
                                         ID2D1RenderTarget **target) override {
         if (!target) return E_INVALIDARG;
         *target = nullptr;
         if (!bitmap) return E_INVALIDARG;
-        D2D1_PIXEL_FORMAT f = properties.pixelFormat;
-        if ((f.format != DXGI_FORMAT_UNKNOWN && f.format != DXGI_FORMAT_B8G8R8A8_UNORM) ||
-            f.alphaMode == D2D1_ALPHA_MODE_STRAIGHT) {
-            return D2DERR_UNSUPPORTED_PIXEL_FORMAT;
-        }
+        if (!Supported(properties.pixelFormat)) return D2DERR_UNSUPPORTED_PIXEL_FORMAT;
         cairo_surface_t *pixels = bitmap->GetCairoSurface();
         if (!pixels) return E_OUTOFMEMORY;
         auto *made = new platform::d2d::render_target(this, pixels, bitmap, properties.dpiX, properties.dpiY);

@@ -8,6 +8,7 @@
 
 #include "box_reduce.h"
 #include "codec_formats.h"
+#include "d2d_path.h"
 #include "d2d_resources.h"
 #include "wic_bitmap.h"
 
@@ -85,7 +86,8 @@ bool EllipsePath(cairo_t *cr, D2D1_ELLIPSE const &e) {
 
 }  // namespace
 
-render_target::render_target(ID2D1Factory *factory, cairo_surface_t *surface, IUnknown *owner, float dpiX,
+template <typename Top>
+target_base<Top>::target_base(ID2D1Factory *factory, cairo_surface_t *surface, IUnknown *owner, float dpiX,
                              float dpiY)
     : mFactory(factory), mOwner(owner), mSurface(cairo_surface_reference(surface)), mCairo(cairo_create(surface)),
       mDpiX(dpiX > 0 ? dpiX : 96), mDpiY(dpiY > 0 ? dpiY : 96) {
@@ -93,7 +95,8 @@ render_target::render_target(ID2D1Factory *factory, cairo_surface_t *surface, IU
     if (mOwner) mOwner->AddRef();
 }
 
-render_target::~render_target() {
+template <typename Top>
+target_base<Top>::~target_base() {
     cairo_destroy(mCairo);
     cairo_surface_flush(mSurface);
     cairo_surface_destroy(mSurface);
@@ -101,13 +104,24 @@ render_target::~render_target() {
     if (mFactory) mFactory->Release();
 }
 
-void render_target::GetFactory(ID2D1Factory **factory) const {
+template <typename Top>
+void target_base<Top>::_Bind(cairo_surface_t *surface) {
+    while (mClips) PopAxisAlignedClip();
+    cairo_destroy(mCairo);
+    cairo_surface_destroy(mSurface);
+    mSurface = cairo_surface_reference(surface);
+    mCairo = cairo_create(surface);
+}
+
+template <typename Top>
+void target_base<Top>::GetFactory(ID2D1Factory **factory) const {
     if (!factory) return;
     *factory = mFactory;
     if (mFactory) mFactory->AddRef();
 }
 
-HRESULT render_target::CreateBitmap(D2D1_SIZE_U size, void const *source, std::uint32_t pitch,
+template <typename Top>
+HRESULT target_base<Top>::CreateBitmap(D2D1_SIZE_U size, void const *source, std::uint32_t pitch,
                                     D2D1_BITMAP_PROPERTIES const &properties, ID2D1Bitmap **out) {
     if (!out) return E_INVALIDARG;
     *out = nullptr;
@@ -128,7 +142,8 @@ HRESULT render_target::CreateBitmap(D2D1_SIZE_U size, void const *source, std::u
     return HandOut(new bitmap(mFactory, std::move(pixels)), out);
 }
 
-HRESULT render_target::CreateBitmapFromWicBitmap(IWICBitmapSource *source, D2D1_BITMAP_PROPERTIES const *,
+template <typename Top>
+HRESULT target_base<Top>::CreateBitmapFromWicBitmap(IWICBitmapSource *source, D2D1_BITMAP_PROPERTIES const *,
                                                  ID2D1Bitmap **out) {
     if (!out) return E_INVALIDARG;
     *out = nullptr;
@@ -138,12 +153,14 @@ HRESULT render_target::CreateBitmapFromWicBitmap(IWICBitmapSource *source, D2D1_
     return pixels ? HandOut(new bitmap(mFactory, std::move(pixels)), out) : E_FAIL;
 }
 
-HRESULT render_target::CreateSolidColorBrush(D2D1_COLOR_F const &color, D2D1_BRUSH_PROPERTIES const *properties,
+template <typename Top>
+HRESULT target_base<Top>::CreateSolidColorBrush(D2D1_COLOR_F const &color, D2D1_BRUSH_PROPERTIES const *properties,
                                              ID2D1SolidColorBrush **brush) {
     return HandOut(new solid_brush(mFactory, color, properties), brush);
 }
 
-bool render_target::_Begin() {
+template <typename Top>
+bool target_base<Top>::_Begin() {
     if (!mDrawing || cairo_status(mCairo) != CAIRO_STATUS_SUCCESS) return false;
     cairo_matrix_t transform = Matrix(mTransform), scale, total;
     cairo_matrix_init_scale(&scale, mDpiX / 96.0, mDpiY / 96.0);
@@ -158,7 +175,8 @@ bool render_target::_Begin() {
     return true;
 }
 
-void render_target::_Fill(ID2D1Brush *brush) {
+template <typename Top>
+void target_base<Top>::_Fill(ID2D1Brush *brush) {
     auto *solid = dynamic_cast<solid_brush *>(brush);
     if (!solid) {
         cairo_new_path(mCairo);
@@ -169,7 +187,8 @@ void render_target::_Fill(ID2D1Brush *brush) {
     cairo_fill(mCairo);
 }
 
-void render_target::_Stroke(ID2D1Brush *brush, float width, ID2D1StrokeStyle *style) {
+template <typename Top>
+void target_base<Top>::_Stroke(ID2D1Brush *brush, float width, ID2D1StrokeStyle *style) {
     auto *solid = dynamic_cast<solid_brush *>(brush);
     if (!solid || !std::isfinite(width) || width <= 0) {
         cairo_new_path(mCairo);
@@ -191,7 +210,8 @@ void render_target::_Stroke(ID2D1Brush *brush, float width, ID2D1StrokeStyle *st
     cairo_stroke(mCairo);
 }
 
-void render_target::DrawLine(D2D1_POINT_2F from, D2D1_POINT_2F to, ID2D1Brush *brush, float width,
+template <typename Top>
+void target_base<Top>::DrawLine(D2D1_POINT_2F from, D2D1_POINT_2F to, ID2D1Brush *brush, float width,
                              ID2D1StrokeStyle *style) {
     if (!Finite({from.x, from.y, to.x, to.y}) || !_Begin()) return;
     cairo_move_to(mCairo, from.x, from.y);
@@ -199,42 +219,49 @@ void render_target::DrawLine(D2D1_POINT_2F from, D2D1_POINT_2F to, ID2D1Brush *b
     _Stroke(brush, width, style);
 }
 
-void render_target::DrawRectangle(D2D1_RECT_F const &r, ID2D1Brush *brush, float width, ID2D1StrokeStyle *style) {
+template <typename Top>
+void target_base<Top>::DrawRectangle(D2D1_RECT_F const &r, ID2D1Brush *brush, float width, ID2D1StrokeStyle *style) {
     if (!Finite(r) || !_Begin()) return;
     cairo_rectangle(mCairo, r.left, r.top, r.right - r.left, r.bottom - r.top);
     _Stroke(brush, width, style);
 }
 
-void render_target::FillRectangle(D2D1_RECT_F const &r, ID2D1Brush *brush) {
+template <typename Top>
+void target_base<Top>::FillRectangle(D2D1_RECT_F const &r, ID2D1Brush *brush) {
     if (!Finite(r) || !_Begin()) return;
     cairo_rectangle(mCairo, r.left, r.top, r.right - r.left, r.bottom - r.top);
     _Fill(brush);
 }
 
-void render_target::DrawRoundedRectangle(D2D1_ROUNDED_RECT const &r, ID2D1Brush *brush, float width,
+template <typename Top>
+void target_base<Top>::DrawRoundedRectangle(D2D1_ROUNDED_RECT const &r, ID2D1Brush *brush, float width,
                                          ID2D1StrokeStyle *style) {
     if (!Finite(r.rect) || !Finite({r.radiusX, r.radiusY}) || !_Begin()) return;
     RoundedRectPath(mCairo, r);
     _Stroke(brush, width, style);
 }
 
-void render_target::FillRoundedRectangle(D2D1_ROUNDED_RECT const &r, ID2D1Brush *brush) {
+template <typename Top>
+void target_base<Top>::FillRoundedRectangle(D2D1_ROUNDED_RECT const &r, ID2D1Brush *brush) {
     if (!Finite(r.rect) || !Finite({r.radiusX, r.radiusY}) || !_Begin()) return;
     RoundedRectPath(mCairo, r);
     _Fill(brush);
 }
 
-void render_target::DrawEllipse(D2D1_ELLIPSE const &e, ID2D1Brush *brush, float width, ID2D1StrokeStyle *style) {
+template <typename Top>
+void target_base<Top>::DrawEllipse(D2D1_ELLIPSE const &e, ID2D1Brush *brush, float width, ID2D1StrokeStyle *style) {
     if (!_Begin() || !EllipsePath(mCairo, e)) return;
     _Stroke(brush, width, style);
 }
 
-void render_target::FillEllipse(D2D1_ELLIPSE const &e, ID2D1Brush *brush) {
+template <typename Top>
+void target_base<Top>::FillEllipse(D2D1_ELLIPSE const &e, ID2D1Brush *brush) {
     if (!_Begin() || !EllipsePath(mCairo, e)) return;
     _Fill(brush);
 }
 
-void render_target::DrawBitmap(ID2D1Bitmap *image, D2D1_RECT_F const *destination, float opacity,
+template <typename Top>
+void target_base<Top>::DrawBitmap(ID2D1Bitmap *image, D2D1_RECT_F const *destination, float opacity,
                                D2D1_BITMAP_INTERPOLATION_MODE mode, D2D1_RECT_F const *source) {
     auto *b = dynamic_cast<bitmap *>(image);
     if (!b || !std::isfinite(opacity)) return;
@@ -281,13 +308,34 @@ void render_target::DrawBitmap(ID2D1Bitmap *image, D2D1_RECT_F const *destinatio
     cairo_surface_destroy(pixels);
 }
 
-void render_target::SetTransform(D2D1_MATRIX_3X2_F const &transform) { mTransform = transform; }
+template <typename Top>
+void target_base<Top>::DrawGeometry(ID2D1Geometry *geometry, ID2D1Brush *brush, float width, ID2D1StrokeStyle *style) {
+    auto *path = dynamic_cast<path_geometry *>(geometry);
+    if (!path || path->mState != path_geometry::state::closed || !_Begin()) return;
+    path->Trace(mCairo, false);
+    _Stroke(brush, width, style);
+}
 
-void render_target::GetTransform(D2D1_MATRIX_3X2_F *transform) const {
+template <typename Top>
+void target_base<Top>::FillGeometry(ID2D1Geometry *geometry, ID2D1Brush *brush, ID2D1Brush *opacityBrush) {
+    auto *path = dynamic_cast<path_geometry *>(geometry);
+    if (!path || opacityBrush || path->mState != path_geometry::state::closed || !_Begin()) return;
+    path->Trace(mCairo, true);
+    cairo_set_fill_rule(mCairo, path->FillRule());
+    _Fill(brush);
+    cairo_set_fill_rule(mCairo, CAIRO_FILL_RULE_WINDING);
+}
+
+template <typename Top>
+void target_base<Top>::SetTransform(D2D1_MATRIX_3X2_F const &transform) { mTransform = transform; }
+
+template <typename Top>
+void target_base<Top>::GetTransform(D2D1_MATRIX_3X2_F *transform) const {
     if (transform) *transform = mTransform;
 }
 
-void render_target::PushAxisAlignedClip(D2D1_RECT_F const &clip, D2D1_ANTIALIAS_MODE) {
+template <typename Top>
+void target_base<Top>::PushAxisAlignedClip(D2D1_RECT_F const &clip, D2D1_ANTIALIAS_MODE) {
     if (!mDrawing) return;
     cairo_save(mCairo);
     ++mClips;
@@ -296,13 +344,15 @@ void render_target::PushAxisAlignedClip(D2D1_RECT_F const &clip, D2D1_ANTIALIAS_
     cairo_clip(mCairo);
 }
 
-void render_target::PopAxisAlignedClip() {
+template <typename Top>
+void target_base<Top>::PopAxisAlignedClip() {
     if (mClips == 0) return;
     cairo_restore(mCairo);
     --mClips;
 }
 
-void render_target::Clear(D2D1_COLOR_F const *color) {
+template <typename Top>
+void target_base<Top>::Clear(D2D1_COLOR_F const *color) {
     if (!mDrawing || cairo_status(mCairo) != CAIRO_STATUS_SUCCESS) return;
     D2D1_COLOR_F c = color ? *color : D2D1_COLOR_F{};
     cairo_save(mCairo);
@@ -312,12 +362,14 @@ void render_target::Clear(D2D1_COLOR_F const *color) {
     cairo_restore(mCairo);
 }
 
-void render_target::BeginDraw() {
+template <typename Top>
+void target_base<Top>::BeginDraw() {
     mDrawing = true;
     mError = S_OK;
 }
 
-HRESULT render_target::EndDraw(D2D1_TAG *tag1, D2D1_TAG *tag2) {
+template <typename Top>
+HRESULT target_base<Top>::EndDraw(D2D1_TAG *tag1, D2D1_TAG *tag2) {
     if (tag1) *tag1 = 0;
     if (tag2) *tag2 = 0;
     if (!mDrawing) return D2DERR_WRONG_STATE;
@@ -328,36 +380,81 @@ HRESULT render_target::EndDraw(D2D1_TAG *tag1, D2D1_TAG *tag2) {
     return mError;
 }
 
-HRESULT render_target::Flush(D2D1_TAG *tag1, D2D1_TAG *tag2) {
+template <typename Top>
+HRESULT target_base<Top>::Flush(D2D1_TAG *tag1, D2D1_TAG *tag2) {
     if (tag1) *tag1 = 0;
     if (tag2) *tag2 = 0;
     cairo_surface_flush(mSurface);
     return cairo_status(mCairo) == CAIRO_STATUS_SUCCESS ? mError : E_FAIL;
 }
 
-D2D1_PIXEL_FORMAT render_target::GetPixelFormat() const {
+template <typename Top>
+D2D1_PIXEL_FORMAT target_base<Top>::GetPixelFormat() const {
     return {DXGI_FORMAT_B8G8R8A8_UNORM, D2D1_ALPHA_MODE_PREMULTIPLIED};
 }
 
-void render_target::SetDpi(float dpiX, float dpiY) {
+template <typename Top>
+void target_base<Top>::SetDpi(float dpiX, float dpiY) {
     if (dpiX == 0 && dpiY == 0) dpiX = dpiY = 96;
     if (!(dpiX > 0) || !(dpiY > 0)) return;
     mDpiX = dpiX;
     mDpiY = dpiY;
 }
 
-void render_target::GetDpi(float *dpiX, float *dpiY) const {
+template <typename Top>
+void target_base<Top>::GetDpi(float *dpiX, float *dpiY) const {
     if (dpiX) *dpiX = mDpiX;
     if (dpiY) *dpiY = mDpiY;
 }
 
-D2D1_SIZE_F render_target::GetSize() const {
+template <typename Top>
+D2D1_SIZE_F target_base<Top>::GetSize() const {
     D2D1_SIZE_U pixels = GetPixelSize();
     return {float(pixels.width * 96.0 / mDpiX), float(pixels.height * 96.0 / mDpiY)};
 }
 
-D2D1_SIZE_U render_target::GetPixelSize() const {
+template <typename Top>
+D2D1_SIZE_U target_base<Top>::GetPixelSize() const {
     return {std::uint32_t(cairo_image_surface_get_width(mSurface)), std::uint32_t(cairo_image_surface_get_height(mSurface))};
+}
+
+template class target_base<ID2D1RenderTarget>;
+template class target_base<ID2D1DCRenderTarget>;
+
+dc_target::dc_target(ID2D1Factory *factory, float dpiX, float dpiY)
+    : target_base(factory, codec::NewSurface(1, 1).get(), nullptr, dpiX, dpiY) {}
+
+dc_target::~dc_target() {
+    if (mDc) cairo_destroy(mDc);
+}
+
+// A new size makes a new surface; the same size keeps what was drawn.
+HRESULT dc_target::BindDC(HDC dc, RECT const *rect) {
+    if (!dc || !rect) return E_INVALIDARG;
+    int width = rect->right - rect->left, height = rect->bottom - rect->top;
+    if (width <= 0 || height <= 0 || cairo_status(dc) != CAIRO_STATUS_SUCCESS) return E_INVALIDARG;
+    if (width != cairo_image_surface_get_width(mSurface) || height != cairo_image_surface_get_height(mSurface)) {
+        codec::surface pixels = codec::NewSurface(width, height);
+        if (!pixels) return E_OUTOFMEMORY;
+        _Bind(pixels.get());
+    }
+    if (mDc) cairo_destroy(mDc);
+    mDc = cairo_reference(dc);
+    mRect = *rect;
+    return S_OK;
+}
+
+HRESULT dc_target::EndDraw(D2D1_TAG *tag1, D2D1_TAG *tag2) {
+    HRESULT result = target_base::EndDraw(tag1, tag2);
+    if (FAILED(result) || !mDc) return FAILED(result) ? result : D2DERR_WRONG_STATE;
+    cairo_save(mDc);
+    cairo_identity_matrix(mDc);
+    cairo_set_operator(mDc, CAIRO_OPERATOR_OVER);
+    cairo_set_source_surface(mDc, mSurface, mRect.left, mRect.top);
+    cairo_rectangle(mDc, mRect.left, mRect.top, mRect.right - mRect.left, mRect.bottom - mRect.top);
+    cairo_fill(mDc);
+    cairo_restore(mDc);
+    return cairo_status(mDc) == CAIRO_STATUS_SUCCESS ? S_OK : E_FAIL;
 }
 
 ID2D1StrokeStyle *NewStrokeStyle(ID2D1Factory *factory, D2D1_STROKE_STYLE_PROPERTIES const &properties,

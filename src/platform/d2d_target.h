@@ -13,12 +13,16 @@
 
 namespace qor::tools::platform::d2d {
 
-class render_target : public com_object<ID2D1RenderTarget, ID2D1Resource> {
+// The drawing of every target; Top is the interface handed out, the render
+// target itself or one of its family that adds calls of its own.
+template <typename Top>
+class target_base : public com_object<Top, ID2D1RenderTarget, ID2D1Resource> {
 public:
-    // Draws on `surface` (a reference is taken); `owner`, if any, is kept
-    // alive as long as the target (the bitmap whose pixels these are).
-    render_target(ID2D1Factory *factory, cairo_surface_t *surface, IUnknown *owner, float dpiX, float dpiY);
-    ~render_target() override;
+    // Draws on `surface` (a reference is taken);
+    // `owner`, if any, is kept alive as long as the target (the bitmap whose
+    // pixels these are).
+    target_base(ID2D1Factory *factory, cairo_surface_t *surface, IUnknown *owner, float dpiX, float dpiY);
+    ~target_base() override;
 
     void GetFactory(ID2D1Factory **factory) const override;
     HRESULT CreateBitmap(D2D1_SIZE_U size, void const *source, std::uint32_t pitch,
@@ -39,6 +43,8 @@ public:
     void FillEllipse(D2D1_ELLIPSE const &ellipse, ID2D1Brush *brush) override;
     void DrawBitmap(ID2D1Bitmap *bitmap, D2D1_RECT_F const *destination, float opacity,
                     D2D1_BITMAP_INTERPOLATION_MODE mode, D2D1_RECT_F const *source) override;
+    void DrawGeometry(ID2D1Geometry *geometry, ID2D1Brush *brush, float width, ID2D1StrokeStyle *style) override;
+    void FillGeometry(ID2D1Geometry *geometry, ID2D1Brush *brush, ID2D1Brush *opacityBrush) override;
     void SetTransform(D2D1_MATRIX_3X2_F const &transform) override;
     void GetTransform(D2D1_MATRIX_3X2_F *transform) const override;
     void SetAntialiasMode(D2D1_ANTIALIAS_MODE mode) override { mAntialias = mode; }
@@ -58,6 +64,8 @@ public:
     cairo_t *GetCairoContext() override { return mCairo; }
 
 protected:
+    // Draws from now on onto `surface` (a reference is taken).
+    void _Bind(cairo_surface_t *surface);
     // Sets the transform (device scale included) and antialiasing; false when
     // nothing may be drawn now.
     bool _Begin();
@@ -74,6 +82,22 @@ protected:
     D2D1_ANTIALIAS_MODE mAntialias = D2D1_ANTIALIAS_MODE_PER_PRIMITIVE;
     float mDpiX, mDpiY;
     int mClips = 0;
+};
+
+using render_target = target_base<ID2D1RenderTarget>;
+
+// A target on a device context: drawn off screen at the rectangle's size and
+// laid over the rectangle of the context at EndDraw.
+class dc_target final : public target_base<ID2D1DCRenderTarget> {
+public:
+    dc_target(ID2D1Factory *factory, float dpiX, float dpiY);
+    ~dc_target() override;
+    HRESULT BindDC(HDC dc, RECT const *rect) override;
+    HRESULT EndDraw(D2D1_TAG *tag1, D2D1_TAG *tag2) override;
+
+private:
+    cairo_t *mDc = nullptr;
+    RECT mRect;
 };
 
 ID2D1StrokeStyle *NewStrokeStyle(ID2D1Factory *factory, D2D1_STROKE_STYLE_PROPERTIES const &properties,

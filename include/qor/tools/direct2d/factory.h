@@ -13,6 +13,8 @@
 
 #include "qor/tools/algorithm/singleton.h"
 #include "qor/tools/container/sptr.h"
+#include "qor/tools/direct2d/path.h"
+#include "qor/tools/direct2d/target.h"
 #include "qor/tools/platform/d2d1.h"
 #include "qor/tools/platform/dwrite.h"
 #include "qor/tools/platform/wincodec.h"
@@ -38,6 +40,12 @@ public:
 
     // Makes the three factories; throws exception "direct2d factory initialize".
     void Initialize(D2D1_FACTORY_TYPE type);
+    // A target drawing into `dc` over `rect`; throws "direct2d factory create dc target".
+    target<ID2D1DCRenderTarget> CreateRenderTarget(HDC dc, CRect const &rect);
+    // Throws "direct2d factory create path geometry".
+    path CreatePathGeometry();
+    // A bitmap of `target` from a picture file (one reference, the caller's), or null.
+    ID2D1Bitmap *LoadBitmapFromFile(ID2D1RenderTarget *target, char16_t const *path);
     ID2D1Factory *Factory() const noexcept { return mD2dFactory; }
     IDWriteFactory *WriteFactory() const noexcept { return mWriteFactory; }
     IWICImagingFactory *WICFactory() const noexcept { return mWicFactory; }

@@ -20,6 +20,7 @@
 #include "qor/tools/platform/cairo_fwd.h"
 #include "qor/tools/platform/com.h"
 #include "qor/tools/platform/geometry.h"
+#include "qor/tools/platform/handles.h"
 #include "qor/tools/platform/wincodec.h"
 
 namespace qor::tools {
@@ -44,6 +45,14 @@ enum D2D1_LINE_JOIN : DWORD { D2D1_LINE_JOIN_MITER = 0, D2D1_LINE_JOIN_BEVEL = 1
 enum D2D1_DASH_STYLE : DWORD { D2D1_DASH_STYLE_SOLID = 0, D2D1_DASH_STYLE_DASH = 1, D2D1_DASH_STYLE_DOT = 2,
                                D2D1_DASH_STYLE_DASH_DOT = 3, D2D1_DASH_STYLE_DASH_DOT_DOT = 4,
                                D2D1_DASH_STYLE_CUSTOM = 5 };
+
+enum D2D1_FIGURE_BEGIN : DWORD { D2D1_FIGURE_BEGIN_FILLED = 0, D2D1_FIGURE_BEGIN_HOLLOW = 1 };
+enum D2D1_FIGURE_END : DWORD { D2D1_FIGURE_END_OPEN = 0, D2D1_FIGURE_END_CLOSED = 1 };
+enum D2D1_FILL_MODE : DWORD { D2D1_FILL_MODE_ALTERNATE = 0, D2D1_FILL_MODE_WINDING = 1 };
+enum D2D1_PATH_SEGMENT : DWORD { D2D1_PATH_SEGMENT_NONE = 0, D2D1_PATH_SEGMENT_FORCE_UNSTROKED = 1,
+                                 D2D1_PATH_SEGMENT_FORCE_ROUND_LINE_JOIN = 2 };
+enum D2D1_SWEEP_DIRECTION : DWORD { D2D1_SWEEP_DIRECTION_COUNTER_CLOCKWISE = 0, D2D1_SWEEP_DIRECTION_CLOCKWISE = 1 };
+enum D2D1_ARC_SIZE : DWORD { D2D1_ARC_SIZE_SMALL = 0, D2D1_ARC_SIZE_LARGE = 1 };
 
 inline constexpr HRESULT D2DERR_WRONG_STATE = static_cast<HRESULT>(0x88990001u);
 inline constexpr HRESULT D2DERR_NOT_INITIALIZED = static_cast<HRESULT>(0x88990002u);
@@ -97,6 +106,19 @@ struct QOR_TOOLS_API D2D1_STROKE_STYLE_PROPERTIES {
     D2D1_DASH_STYLE dashStyle = D2D1_DASH_STYLE_SOLID;
     float dashOffset = 0;
 };
+struct QOR_TOOLS_API D2D1_BEZIER_SEGMENT {
+    D2D1_POINT_2F point1, point2, point3;
+};
+struct QOR_TOOLS_API D2D1_QUADRATIC_BEZIER_SEGMENT {
+    D2D1_POINT_2F point1, point2;
+};
+struct QOR_TOOLS_API D2D1_ARC_SEGMENT {
+    D2D1_POINT_2F point;
+    D2D1_SIZE_F size;
+    float rotationAngle = 0;
+    D2D1_SWEEP_DIRECTION sweepDirection = D2D1_SWEEP_DIRECTION_COUNTER_CLOCKWISE;
+    D2D1_ARC_SIZE arcSize = D2D1_ARC_SIZE_SMALL;
+};
 struct QOR_TOOLS_API D2D1_FACTORY_OPTIONS {
     DWORD debugLevel = 0;
 };
@@ -107,6 +129,11 @@ inline constexpr IID IID_ID2D1RenderTarget = {0x2cd90694, 0x12e2, 0x11dc, {0x9f,
 inline constexpr IID IID_ID2D1Brush = {0x2cd906a8, 0x12e2, 0x11dc, {0x9f, 0xed, 0x00, 0x11, 0x43, 0xa0, 0x55, 0xf9}};
 inline constexpr IID IID_ID2D1SolidColorBrush = {0x2cd906a9, 0x12e2, 0x11dc, {0x9f, 0xed, 0x00, 0x11, 0x43, 0xa0, 0x55, 0xf9}};
 inline constexpr IID IID_ID2D1StrokeStyle = {0x2cd9069d, 0x12e2, 0x11dc, {0x9f, 0xed, 0x00, 0x11, 0x43, 0xa0, 0x55, 0xf9}};
+inline constexpr IID IID_ID2D1Geometry = {0x2cd906a1, 0x12e2, 0x11dc, {0x9f, 0xed, 0x00, 0x11, 0x43, 0xa0, 0x55, 0xf9}};
+inline constexpr IID IID_ID2D1PathGeometry = {0x2cd906a5, 0x12e2, 0x11dc, {0x9f, 0xed, 0x00, 0x11, 0x43, 0xa0, 0x55, 0xf9}};
+inline constexpr IID IID_ID2D1SimplifiedGeometrySink = {0x2cd9069e, 0x12e2, 0x11dc, {0x9f, 0xed, 0x00, 0x11, 0x43, 0xa0, 0x55, 0xf9}};
+inline constexpr IID IID_ID2D1GeometrySink = {0x2cd9069f, 0x12e2, 0x11dc, {0x9f, 0xed, 0x00, 0x11, 0x43, 0xa0, 0x55, 0xf9}};
+inline constexpr IID IID_ID2D1DCRenderTarget = {0x1c51bc64, 0xde61, 0x46fd, {0x98, 0x99, 0x63, 0xa5, 0xd8, 0xf0, 0x39, 0x50}};
 inline constexpr IID IID_ID2D1Bitmap = {0xa2296057, 0xea42, 0x4099, {0x98, 0x3b, 0x53, 0x9f, 0xb6, 0x50, 0x54, 0x26}};
 
 struct ID2D1Factory;
@@ -166,6 +193,57 @@ protected:
     ~ID2D1Bitmap() = default;
 };
 
+struct QOR_TOOLS_API ID2D1SimplifiedGeometrySink : IUnknown {
+    static constexpr IID const &iid = IID_ID2D1SimplifiedGeometrySink;
+    virtual void SetFillMode(D2D1_FILL_MODE mode) = 0;
+    virtual void SetSegmentFlags(D2D1_PATH_SEGMENT flags) = 0;
+    virtual void BeginFigure(D2D1_POINT_2F start, D2D1_FIGURE_BEGIN begin) = 0;
+    virtual void AddLines(D2D1_POINT_2F const *points, std::uint32_t count) = 0;
+    virtual void AddBeziers(D2D1_BEZIER_SEGMENT const *beziers, std::uint32_t count) = 0;
+    virtual void EndFigure(D2D1_FIGURE_END end) = 0;
+    // S_OK, or D2DERR_WRONG_STATE for a sink closed already or a figure left open.
+    virtual HRESULT Close() = 0;
+
+protected:
+    ~ID2D1SimplifiedGeometrySink() = default;
+};
+
+struct QOR_TOOLS_API ID2D1GeometrySink : ID2D1SimplifiedGeometrySink {
+    static constexpr IID const &iid = IID_ID2D1GeometrySink;
+    virtual void AddLine(D2D1_POINT_2F point) = 0;
+    virtual void AddBezier(D2D1_BEZIER_SEGMENT const &bezier) = 0;
+    virtual void AddQuadraticBezier(D2D1_QUADRATIC_BEZIER_SEGMENT const &bezier) = 0;
+    virtual void AddQuadraticBeziers(D2D1_QUADRATIC_BEZIER_SEGMENT const *beziers, std::uint32_t count) = 0;
+    virtual void AddArc(D2D1_ARC_SEGMENT const &arc) = 0;
+
+protected:
+    ~ID2D1GeometrySink() = default;
+};
+
+struct QOR_TOOLS_API ID2D1Geometry : ID2D1Resource {
+    static constexpr IID const &iid = IID_ID2D1Geometry;
+    // The bounds of the filled area, transformed by `transform` if given.
+    virtual HRESULT GetBounds(D2D1_MATRIX_3X2_F const *transform, D2D1_RECT_F *bounds) const = 0;
+    virtual HRESULT FillContainsPoint(D2D1_POINT_2F point, D2D1_MATRIX_3X2_F const *transform, float tolerance,
+                                      BOOL *contains) const = 0;
+
+protected:
+    ~ID2D1Geometry() = default;
+};
+
+struct QOR_TOOLS_API ID2D1PathGeometry : ID2D1Geometry {
+    static constexpr IID const &iid = IID_ID2D1PathGeometry;
+    // The sink that writes the geometry; a geometry opens once (D2DERR_WRONG_STATE after).
+    virtual HRESULT Open(ID2D1GeometrySink **sink) = 0;
+    // Writes the closed geometry's figures into `sink`, as they were given.
+    virtual HRESULT Stream(ID2D1GeometrySink *sink) const = 0;
+    virtual HRESULT GetSegmentCount(std::uint32_t *count) const = 0;
+    virtual HRESULT GetFigureCount(std::uint32_t *count) const = 0;
+
+protected:
+    ~ID2D1PathGeometry() = default;
+};
+
 struct QOR_TOOLS_API ID2D1RenderTarget : ID2D1Resource {
     static constexpr IID const &iid = IID_ID2D1RenderTarget;
     // A bitmap of premultiplied BGRA rows (`source` may be null: transparent).
@@ -193,6 +271,10 @@ struct QOR_TOOLS_API ID2D1RenderTarget : ID2D1Resource {
     virtual void DrawBitmap(ID2D1Bitmap *bitmap, D2D1_RECT_F const *destination = nullptr, float opacity = 1.0f,
                             D2D1_BITMAP_INTERPOLATION_MODE mode = D2D1_BITMAP_INTERPOLATION_MODE_LINEAR,
                             D2D1_RECT_F const *source = nullptr) = 0;
+    virtual void DrawGeometry(ID2D1Geometry *geometry, ID2D1Brush *brush, float width = 1.0f,
+                              ID2D1StrokeStyle *style = nullptr) = 0;
+    // `opacityBrush` is not supported: with one, nothing is filled.
+    virtual void FillGeometry(ID2D1Geometry *geometry, ID2D1Brush *brush, ID2D1Brush *opacityBrush = nullptr) = 0;
     virtual void SetTransform(D2D1_MATRIX_3X2_F const &transform) = 0;
     virtual void GetTransform(D2D1_MATRIX_3X2_F *transform) const = 0;
     virtual void SetAntialiasMode(D2D1_ANTIALIAS_MODE mode) = 0;
@@ -218,6 +300,17 @@ protected:
     ~ID2D1RenderTarget() = default;
 };
 
+// A target that draws into a device context (a cairo_t): BindDC chooses the
+// context and the rectangle; the drawing is kept off screen and laid over
+// the rectangle of the context at EndDraw.
+struct QOR_TOOLS_API ID2D1DCRenderTarget : ID2D1RenderTarget {
+    static constexpr IID const &iid = IID_ID2D1DCRenderTarget;
+    virtual HRESULT BindDC(HDC dc, RECT const *rect) = 0;
+
+protected:
+    ~ID2D1DCRenderTarget() = default;
+};
+
 struct QOR_TOOLS_API ID2D1Factory : IUnknown {
     static constexpr IID const &iid = IID_ID2D1Factory;
     virtual HRESULT ReloadSystemMetrics() = 0;
@@ -225,9 +318,13 @@ struct QOR_TOOLS_API ID2D1Factory : IUnknown {
     virtual void GetDesktopDpi(float *dpiX, float *dpiY) = 0;
     virtual HRESULT CreateStrokeStyle(D2D1_STROKE_STYLE_PROPERTIES const &properties, float const *dashes,
                                       std::uint32_t count, ID2D1StrokeStyle **style) = 0;
+    virtual HRESULT CreatePathGeometry(ID2D1PathGeometry **geometry) = 0;
     // A target that draws into the bitmap's own pixels.
     virtual HRESULT CreateWicBitmapRenderTarget(IWICBitmap *bitmap, D2D1_RENDER_TARGET_PROPERTIES const &properties,
                                                 ID2D1RenderTarget **target) = 0;
+
+    virtual HRESULT CreateDCRenderTarget(D2D1_RENDER_TARGET_PROPERTIES const &properties,
+                                         ID2D1DCRenderTarget **target) = 0;
 
 protected:
     ~ID2D1Factory() = default;
