@@ -12,6 +12,7 @@ packages=(
   unixodbc-dev odbc-postgresql libsqliteodbc sqlite3 postgresql
   xvfb xauth locales python3
   libimage-exiftool-perl exiv2 libvips-tools
+  fonts-dejavu-core fonts-ipafont-gothic
 )
 
 missing=()

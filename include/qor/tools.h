@@ -21,6 +21,7 @@
 #include "qor/tools/database/stream.h"
 #include "qor/tools/direct2d/factory.h"
 #include "qor/tools/direct2d/float_types.h"
+#include "qor/tools/direct2d/font.h"
 #include "qor/tools/direct2d/path.h"
 #include "qor/tools/direct2d/target.h"
 #include "qor/tools/direct2d/wic.h"

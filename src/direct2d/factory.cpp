@@ -23,6 +23,16 @@ void factory::Initialize(D2D1_FACTORY_TYPE type) {
     }
 }
 
+font factory::CreateFontW(char16_t const *family, float size, DWRITE_FONT_WEIGHT weight, DWRITE_FONT_STYLE style,
+                          DWRITE_FONT_STRETCH stretch) {
+    font made;
+    if (!mWriteFactory ||
+        FAILED(mWriteFactory->CreateTextFormat(family, nullptr, weight, style, stretch, size, u"", made.Addr()))) {
+        throw exception(u"direct2d factory create font");
+    }
+    return made;
+}
+
 target<ID2D1DCRenderTarget> factory::CreateRenderTarget(HDC dc, CRect const &rect) {
     target<ID2D1DCRenderTarget> t;
     if (!mD2dFactory || FAILED(mD2dFactory->CreateDCRenderTarget(TargetProperties(), t.Addr())) ||

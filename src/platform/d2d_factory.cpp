@@ -2,6 +2,7 @@
 #include <cairo.h>
 
 #include "d2d_path.h"
+#include "dwrite_text.h"
 #include "d2d_target.h"
 #include "qor/tools/platform/dwrite.h"
 #include "wic_bitmap.h"
@@ -51,9 +52,6 @@ public:
     }
 };
 
-// Text formats and layouts come with the text layer; the factory is their root.
-class write_factory final : public platform::com_object<IDWriteFactory> {};
-
 template <typename T>
 HRESULT Made(T *object, REFIID iid, void **out) {
     HRESULT result = object->QueryInterface(iid, out);
@@ -74,7 +72,7 @@ HRESULT DWriteCreateFactory(DWRITE_FACTORY_TYPE type, REFIID iid, IUnknown **fac
     if (!factory) return E_POINTER;
     *factory = nullptr;
     if (type != DWRITE_FACTORY_TYPE_SHARED && type != DWRITE_FACTORY_TYPE_ISOLATED) return E_INVALIDARG;
-    return Made(new write_factory, iid, reinterpret_cast<void **>(factory));
+    return Made(platform::dwrite::NewFactory(), iid, reinterpret_cast<void **>(factory));
 }
 
 }  // namespace qor::tools

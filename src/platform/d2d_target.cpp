@@ -1,6 +1,7 @@
 #include "d2d_target.h"
 
 #include <cairo.h>
+#include <pango/pangocairo.h>
 
 #include <algorithm>
 #include <cmath>
@@ -10,6 +11,8 @@
 #include "codec_formats.h"
 #include "d2d_path.h"
 #include "d2d_resources.h"
+#include "dwrite_text.h"
+#include "qor/tools/container/sptr.h"
 #include "wic_bitmap.h"
 
 namespace qor::tools::platform::d2d {
@@ -324,6 +327,32 @@ void target_base<Top>::FillGeometry(ID2D1Geometry *geometry, ID2D1Brush *brush, 
     cairo_set_fill_rule(mCairo, path->FillRule());
     _Fill(brush);
     cairo_set_fill_rule(mCairo, CAIRO_FILL_RULE_WINDING);
+}
+
+template <typename Top>
+void target_base<Top>::DrawText(char16_t const *text, std::uint32_t length, IDWriteTextFormat *format,
+                                D2D1_RECT_F const &rect, ID2D1Brush *brush, DWORD options, DWORD) {
+    dwrite::format_values const *values = dwrite::ValuesOf(format);
+    if (!text || !values || !Finite(rect)) return;
+    float width = std::max(0.0f, rect.right - rect.left), height = std::max(0.0f, rect.bottom - rect.top);
+    container::comptr<IDWriteTextLayout> layout(dwrite::NewLayout(*values, std::u16string(text, length), width, height));
+    bool clip = options & D2D1_DRAW_TEXT_OPTIONS_CLIP;
+    if (clip) PushAxisAlignedClip(rect, D2D1_ANTIALIAS_MODE_PER_PRIMITIVE);
+    DrawTextLayout(D2D1::Point2F(rect.left, rect.top), layout, brush, 0);
+    if (clip) PopAxisAlignedClip();
+}
+
+template <typename Top>
+void target_base<Top>::DrawTextLayout(D2D1_POINT_2F origin, IDWriteTextLayout *layout, ID2D1Brush *brush, DWORD) {
+    auto *solid = dynamic_cast<solid_brush *>(brush);
+    if (!layout || !solid || !Finite({origin.x, origin.y}) || !_Begin()) return;
+    double x = 0, y = 0;
+    dwrite::Origin(layout, x, y);
+    D2D1_COLOR_F c = solid->GetColor();
+    cairo_set_source_rgba(mCairo, c.r, c.g, c.b, c.a * solid->GetOpacity());
+    cairo_move_to(mCairo, origin.x + x, origin.y + y);
+    pango_cairo_show_layout(mCairo, layout->GetPangoLayout());
+    cairo_new_path(mCairo);
 }
 
 template <typename Top>

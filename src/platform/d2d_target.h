@@ -45,6 +45,9 @@ public:
                     D2D1_BITMAP_INTERPOLATION_MODE mode, D2D1_RECT_F const *source) override;
     void DrawGeometry(ID2D1Geometry *geometry, ID2D1Brush *brush, float width, ID2D1StrokeStyle *style) override;
     void FillGeometry(ID2D1Geometry *geometry, ID2D1Brush *brush, ID2D1Brush *opacityBrush) override;
+    void DrawText(char16_t const *text, std::uint32_t length, IDWriteTextFormat *format, D2D1_RECT_F const &rect,
+                  ID2D1Brush *brush, DWORD options, DWORD measuring) override;
+    void DrawTextLayout(D2D1_POINT_2F origin, IDWriteTextLayout *layout, ID2D1Brush *brush, DWORD options) override;
     void SetTransform(D2D1_MATRIX_3X2_F const &transform) override;
     void GetTransform(D2D1_MATRIX_3X2_F *transform) const override;
     void SetAntialiasMode(D2D1_ANTIALIAS_MODE mode) override { mAntialias = mode; }

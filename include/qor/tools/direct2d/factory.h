@@ -13,6 +13,7 @@
 
 #include "qor/tools/algorithm/singleton.h"
 #include "qor/tools/container/sptr.h"
+#include "qor/tools/direct2d/font.h"
 #include "qor/tools/direct2d/path.h"
 #include "qor/tools/direct2d/target.h"
 #include "qor/tools/platform/d2d1.h"
@@ -40,6 +41,11 @@ public:
 
     // Makes the three factories; throws exception "direct2d factory initialize".
     void Initialize(D2D1_FACTORY_TYPE type);
+    // A text format of an installed family (size in device-independent
+    // pixels); throws "direct2d factory create font".
+    font CreateFontW(char16_t const *family, float size, DWRITE_FONT_WEIGHT weight = DWRITE_FONT_WEIGHT_NORMAL,
+                     DWRITE_FONT_STYLE style = DWRITE_FONT_STYLE_NORMAL,
+                     DWRITE_FONT_STRETCH stretch = DWRITE_FONT_STRETCH_NORMAL);
     // A target drawing into `dc` over `rect`; throws "direct2d factory create dc target".
     target<ID2D1DCRenderTarget> CreateRenderTarget(HDC dc, CRect const &rect);
     // Throws "direct2d factory create path geometry".

@@ -19,6 +19,7 @@
 
 #include "qor/tools/platform/cairo_fwd.h"
 #include "qor/tools/platform/com.h"
+#include "qor/tools/platform/dwrite.h"
 #include "qor/tools/platform/geometry.h"
 #include "qor/tools/platform/handles.h"
 #include "qor/tools/platform/wincodec.h"
@@ -53,6 +54,9 @@ enum D2D1_PATH_SEGMENT : DWORD { D2D1_PATH_SEGMENT_NONE = 0, D2D1_PATH_SEGMENT_F
                                  D2D1_PATH_SEGMENT_FORCE_ROUND_LINE_JOIN = 2 };
 enum D2D1_SWEEP_DIRECTION : DWORD { D2D1_SWEEP_DIRECTION_COUNTER_CLOCKWISE = 0, D2D1_SWEEP_DIRECTION_CLOCKWISE = 1 };
 enum D2D1_ARC_SIZE : DWORD { D2D1_ARC_SIZE_SMALL = 0, D2D1_ARC_SIZE_LARGE = 1 };
+
+inline constexpr DWORD D2D1_DRAW_TEXT_OPTIONS_NONE = 0;
+inline constexpr DWORD D2D1_DRAW_TEXT_OPTIONS_CLIP = 2;
 
 inline constexpr HRESULT D2DERR_WRONG_STATE = static_cast<HRESULT>(0x88990001u);
 inline constexpr HRESULT D2DERR_NOT_INITIALIZED = static_cast<HRESULT>(0x88990002u);
@@ -275,6 +279,11 @@ struct QOR_TOOLS_API ID2D1RenderTarget : ID2D1Resource {
                               ID2D1StrokeStyle *style = nullptr) = 0;
     // `opacityBrush` is not supported: with one, nothing is filled.
     virtual void FillGeometry(ID2D1Geometry *geometry, ID2D1Brush *brush, ID2D1Brush *opacityBrush = nullptr) = 0;
+    // Text laid out in `rect` with `format` (only the clip option, 2, is looked at).
+    virtual void DrawText(char16_t const *text, std::uint32_t length, IDWriteTextFormat *format,
+                          D2D1_RECT_F const &rect, ID2D1Brush *brush, DWORD options = 0, DWORD measuring = 0) = 0;
+    virtual void DrawTextLayout(D2D1_POINT_2F origin, IDWriteTextLayout *layout, ID2D1Brush *brush,
+                                DWORD options = 0) = 0;
     virtual void SetTransform(D2D1_MATRIX_3X2_F const &transform) = 0;
     virtual void GetTransform(D2D1_MATRIX_3X2_F *transform) const = 0;
     virtual void SetAntialiasMode(D2D1_ANTIALIAS_MODE mode) = 0;
