@@ -33,6 +33,34 @@ font factory::CreateFontW(char16_t const *family, float size, DWRITE_FONT_WEIGHT
     return made;
 }
 
+void factory::StockImage(char16_t const *name, char16_t const *path) {
+    try {
+        mStockImages.Set(string(name), new wic(path));
+    } catch (...) {
+        // Not stocked; an older picture of the name stays.
+    }
+}
+
+wic factory::StockImage(char16_t const *name) {
+    wic copy;
+    if (wic *stocked = mStockImages.Find(string(name))) copy.Clone(*stocked);
+    return copy;
+}
+
+void factory::StockFont(char16_t const *name, char16_t const *family, float size, DWRITE_FONT_WEIGHT weight) {
+    try {
+        mStockFonts.Set(string(name),
+                        new font(CreateFontW(family, size, weight, DWRITE_FONT_STYLE_NORMAL, DWRITE_FONT_STRETCH_NORMAL)));
+    } catch (...) {
+        // Not stocked.
+    }
+}
+
+font factory::StockFont(char16_t const *name) {
+    font *stocked = mStockFonts.Find(string(name));
+    return stocked ? stocked->Clone() : font();
+}
+
 target<ID2D1DCRenderTarget> factory::CreateRenderTarget(HDC dc, CRect const &rect) {
     target<ID2D1DCRenderTarget> t;
     if (!mD2dFactory || FAILED(mD2dFactory->CreateDCRenderTarget(TargetProperties(), t.Addr())) ||

@@ -1,5 +1,6 @@
 // direct2d::factory: the one entry to the platform's drawing, text and
-// imaging factories. The application makes one, calls Initialize (after
+// imaging factories, and the stock of named pictures and fonts an
+// application loads once and takes private copies of. The application makes one, calls Initialize (after
 // CoInitialize on the thread), and ends with Terminate; everything in
 // direct2d reaches the factories through factory::Instance().
 //
@@ -12,10 +13,12 @@
 #include "qor/tools/export.h"
 
 #include "qor/tools/algorithm/singleton.h"
+#include "qor/tools/container/btree.h"
 #include "qor/tools/container/sptr.h"
 #include "qor/tools/direct2d/font.h"
 #include "qor/tools/direct2d/path.h"
 #include "qor/tools/direct2d/target.h"
+#include "qor/tools/direct2d/wic.h"
 #include "qor/tools/platform/d2d1.h"
 #include "qor/tools/platform/dwrite.h"
 #include "qor/tools/platform/wincodec.h"
@@ -52,6 +55,15 @@ public:
     path CreatePathGeometry();
     // A bitmap of `target` from a picture file (one reference, the caller's), or null.
     ID2D1Bitmap *LoadBitmapFromFile(ID2D1RenderTarget *target, char16_t const *path);
+    // Loads a picture into the stock under `name` (an older one of that name
+    // goes); a file that cannot be loaded changes nothing, silently.
+    void StockImage(char16_t const *name, char16_t const *path);
+    // A private copy of the stocked picture (empty for a name never stocked).
+    wic StockImage(char16_t const *name);
+    // A regular, normal-width font into the stock; a failure changes nothing, silently.
+    void StockFont(char16_t const *name, char16_t const *family, float size, DWRITE_FONT_WEIGHT weight);
+    // A new format like the stocked one (empty for a name never stocked).
+    font StockFont(char16_t const *name);
     ID2D1Factory *Factory() const noexcept { return mD2dFactory; }
     IDWriteFactory *WriteFactory() const noexcept { return mWriteFactory; }
     IWICImagingFactory *WICFactory() const noexcept { return mWicFactory; }
@@ -60,6 +72,9 @@ protected:
     container::comptr<ID2D1Factory> mD2dFactory;
     container::comptr<IDWriteFactory> mWriteFactory;
     container::comptr<IWICImagingFactory> mWicFactory;
+    // Declared after the factories, so destroyed before them.
+    container::hash<string, wic, container::pif::object, 2> mStockImages;
+    container::hash<string, font, container::pif::object, 2> mStockFonts;
 };
 
 }  // namespace qor::tools::direct2d
