@@ -70,6 +70,17 @@ target<ID2D1DCRenderTarget> factory::CreateRenderTarget(HDC dc, CRect const &rec
     return t;
 }
 
+// The window's properties are filled on the first call only: one window a process.
+target<ID2D1HwndRenderTarget> factory::CreateRenderTarget(HWND window, int width, int height) {
+    static D2D1_HWND_RENDER_TARGET_PROPERTIES const properties = D2D1::HwndRenderTargetProperties(
+        window, D2D1::SizeU(std::uint32_t(width), std::uint32_t(height)), D2D1_PRESENT_OPTIONS_NONE);
+    target<ID2D1HwndRenderTarget> t;
+    if (!mD2dFactory || FAILED(mD2dFactory->CreateHwndRenderTarget(TargetProperties(), properties, t.Addr()))) {
+        throw exception(u"direct2d factory create window target");
+    }
+    return t;
+}
+
 path factory::CreatePathGeometry() {
     path geometry;
     if (!mD2dFactory || FAILED(mD2dFactory->CreatePathGeometry(geometry.Addr()))) {

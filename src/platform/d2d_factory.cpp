@@ -32,6 +32,15 @@ public:
     HRESULT CreatePathGeometry(ID2D1PathGeometry **geometry) override {
         return platform::HandOut(new platform::d2d::path_geometry(this), geometry);
     }
+    HRESULT CreateHwndRenderTarget(D2D1_RENDER_TARGET_PROPERTIES const &properties,
+                                   D2D1_HWND_RENDER_TARGET_PROPERTIES const &window,
+                                   ID2D1HwndRenderTarget **target) override {
+        if (!target) return E_INVALIDARG;
+        *target = nullptr;
+        if (!Supported(properties.pixelFormat)) return D2DERR_UNSUPPORTED_PIXEL_FORMAT;
+        ID2D1HwndRenderTarget *made = platform::d2d::NewWindowTarget(this, window, properties.dpiX, properties.dpiY);
+        return made ? platform::HandOut(made, target) : E_INVALIDARG;
+    }
     HRESULT CreateDCRenderTarget(D2D1_RENDER_TARGET_PROPERTIES const &properties,
                                  ID2D1DCRenderTarget **target) override {
         if (!target) return E_INVALIDARG;

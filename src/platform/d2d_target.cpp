@@ -449,6 +449,7 @@ D2D1_SIZE_U target_base<Top>::GetPixelSize() const {
 
 template class target_base<ID2D1RenderTarget>;
 template class target_base<ID2D1DCRenderTarget>;
+template class target_base<ID2D1HwndRenderTarget>;
 
 dc_target::dc_target(ID2D1Factory *factory, float dpiX, float dpiY)
     : target_base(factory, codec::NewSurface(1, 1).get(), nullptr, dpiX, dpiY) {}

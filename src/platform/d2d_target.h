@@ -103,6 +103,10 @@ private:
     RECT mRect;
 };
 
+// A target on a GTK widget's window (in d2d_window.cpp, where GTK is).
+ID2D1HwndRenderTarget *NewWindowTarget(ID2D1Factory *factory, D2D1_HWND_RENDER_TARGET_PROPERTIES const &window,
+                                       float dpiX, float dpiY);
+
 ID2D1StrokeStyle *NewStrokeStyle(ID2D1Factory *factory, D2D1_STROKE_STYLE_PROPERTIES const &properties,
                                  float const *dashes, std::uint32_t count);
 

@@ -51,6 +51,10 @@ public:
                      DWRITE_FONT_STRETCH stretch = DWRITE_FONT_STRETCH_NORMAL);
     // A target drawing into `dc` over `rect`; throws "direct2d factory create dc target".
     target<ID2D1DCRenderTarget> CreateRenderTarget(HDC dc, CRect const &rect);
+    // A target drawing into a GTK widget. The window and size of the first
+    // call in the process are kept and used by every later call, whatever
+    // it asks for. Throws "direct2d factory create window target".
+    target<ID2D1HwndRenderTarget> CreateRenderTarget(HWND window, int width, int height);
     // Throws "direct2d factory create path geometry".
     path CreatePathGeometry();
     // A bitmap of `target` from a picture file (one reference, the caller's), or null.

@@ -55,6 +55,10 @@ enum D2D1_PATH_SEGMENT : DWORD { D2D1_PATH_SEGMENT_NONE = 0, D2D1_PATH_SEGMENT_F
 enum D2D1_SWEEP_DIRECTION : DWORD { D2D1_SWEEP_DIRECTION_COUNTER_CLOCKWISE = 0, D2D1_SWEEP_DIRECTION_CLOCKWISE = 1 };
 enum D2D1_ARC_SIZE : DWORD { D2D1_ARC_SIZE_SMALL = 0, D2D1_ARC_SIZE_LARGE = 1 };
 
+enum D2D1_PRESENT_OPTIONS : DWORD { D2D1_PRESENT_OPTIONS_NONE = 0, D2D1_PRESENT_OPTIONS_RETAIN_CONTENTS = 1,
+                                    D2D1_PRESENT_OPTIONS_IMMEDIATELY = 2 };
+enum D2D1_WINDOW_STATE : DWORD { D2D1_WINDOW_STATE_NONE = 0, D2D1_WINDOW_STATE_OCCLUDED = 1 };
+
 inline constexpr DWORD D2D1_DRAW_TEXT_OPTIONS_NONE = 0;
 inline constexpr DWORD D2D1_DRAW_TEXT_OPTIONS_CLIP = 2;
 
@@ -123,6 +127,11 @@ struct QOR_TOOLS_API D2D1_ARC_SEGMENT {
     D2D1_SWEEP_DIRECTION sweepDirection = D2D1_SWEEP_DIRECTION_COUNTER_CLOCKWISE;
     D2D1_ARC_SIZE arcSize = D2D1_ARC_SIZE_SMALL;
 };
+struct QOR_TOOLS_API D2D1_HWND_RENDER_TARGET_PROPERTIES {
+    HWND hwnd = nullptr;
+    D2D1_SIZE_U pixelSize;
+    D2D1_PRESENT_OPTIONS presentOptions = D2D1_PRESENT_OPTIONS_NONE;
+};
 struct QOR_TOOLS_API D2D1_FACTORY_OPTIONS {
     DWORD debugLevel = 0;
 };
@@ -138,6 +147,7 @@ inline constexpr IID IID_ID2D1PathGeometry = {0x2cd906a5, 0x12e2, 0x11dc, {0x9f,
 inline constexpr IID IID_ID2D1SimplifiedGeometrySink = {0x2cd9069e, 0x12e2, 0x11dc, {0x9f, 0xed, 0x00, 0x11, 0x43, 0xa0, 0x55, 0xf9}};
 inline constexpr IID IID_ID2D1GeometrySink = {0x2cd9069f, 0x12e2, 0x11dc, {0x9f, 0xed, 0x00, 0x11, 0x43, 0xa0, 0x55, 0xf9}};
 inline constexpr IID IID_ID2D1DCRenderTarget = {0x1c51bc64, 0xde61, 0x46fd, {0x98, 0x99, 0x63, 0xa5, 0xd8, 0xf0, 0x39, 0x50}};
+inline constexpr IID IID_ID2D1HwndRenderTarget = {0x2cd90698, 0x12e2, 0x11dc, {0x9f, 0xed, 0x00, 0x11, 0x43, 0xa0, 0x55, 0xf9}};
 inline constexpr IID IID_ID2D1Bitmap = {0xa2296057, 0xea42, 0x4099, {0x98, 0x3b, 0x53, 0x9f, 0xb6, 0x50, 0x54, 0x26}};
 
 struct ID2D1Factory;
@@ -320,6 +330,19 @@ protected:
     ~ID2D1DCRenderTarget() = default;
 };
 
+// A target that draws into a GTK widget's window: the drawing is kept off
+// screen at the pixel size (the widget's size for 0 by 0) and shown at
+// EndDraw, and again whenever GTK redraws the widget.
+struct QOR_TOOLS_API ID2D1HwndRenderTarget : ID2D1RenderTarget {
+    static constexpr IID const &iid = IID_ID2D1HwndRenderTarget;
+    virtual D2D1_WINDOW_STATE CheckWindowState() = 0;
+    virtual HRESULT Resize(D2D1_SIZE_U const *size) = 0;
+    virtual HWND GetHwnd() const = 0;
+
+protected:
+    ~ID2D1HwndRenderTarget() = default;
+};
+
 struct QOR_TOOLS_API ID2D1Factory : IUnknown {
     static constexpr IID const &iid = IID_ID2D1Factory;
     virtual HRESULT ReloadSystemMetrics() = 0;
@@ -332,6 +355,9 @@ struct QOR_TOOLS_API ID2D1Factory : IUnknown {
     virtual HRESULT CreateWicBitmapRenderTarget(IWICBitmap *bitmap, D2D1_RENDER_TARGET_PROPERTIES const &properties,
                                                 ID2D1RenderTarget **target) = 0;
 
+    virtual HRESULT CreateHwndRenderTarget(D2D1_RENDER_TARGET_PROPERTIES const &properties,
+                                           D2D1_HWND_RENDER_TARGET_PROPERTIES const &window,
+                                           ID2D1HwndRenderTarget **target) = 0;
     virtual HRESULT CreateDCRenderTarget(D2D1_RENDER_TARGET_PROPERTIES const &properties,
                                          ID2D1DCRenderTarget **target) = 0;
 
@@ -369,6 +395,10 @@ inline D2D1_RENDER_TARGET_PROPERTIES RenderTargetProperties(
     float dpiX = 0, float dpiY = 0, D2D1_RENDER_TARGET_USAGE usage = D2D1_RENDER_TARGET_USAGE_NONE,
     D2D1_FEATURE_LEVEL level = D2D1_FEATURE_LEVEL_DEFAULT) {
     return {type, format, dpiX, dpiY, usage, level};
+}
+inline D2D1_HWND_RENDER_TARGET_PROPERTIES HwndRenderTargetProperties(
+    HWND hwnd, D2D1_SIZE_U size = SizeU(), D2D1_PRESENT_OPTIONS options = D2D1_PRESENT_OPTIONS_NONE) {
+    return {hwnd, size, options};
 }
 inline D2D1_STROKE_STYLE_PROPERTIES StrokeStyleProperties(
     D2D1_CAP_STYLE startCap = D2D1_CAP_STYLE_FLAT, D2D1_CAP_STYLE endCap = D2D1_CAP_STYLE_FLAT,

@@ -1,0 +1,90 @@
+// The render target on a GTK window in a real X server (scripts/test.sh runs
+// the suite under Xvfb): what is drawn shows in the window, checked from a
+// screenshot of it, and the first call's window is the one every later
+// target is bound to.
+#include <gtest/gtest.h>
+#include <gtk/gtk.h>
+
+#include "support/imaging.h"
+
+using namespace qor::tools;
+namespace qt = qor::tools::testing;
+
+namespace {
+
+class WindowTarget : public qt::imaging {
+protected:
+    void SetUp() override {
+        if (!gtk_init_check(nullptr, nullptr)) GTEST_SKIP() << "no display";
+    }
+};
+
+// A window with a drawing area of `width` by `height`, shown and mapped.
+GtkWidget *Shown(int width, int height) {
+    GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    GtkWidget *area = gtk_drawing_area_new();
+    gtk_widget_set_size_request(area, width, height);
+    gtk_container_add(GTK_CONTAINER(window), area);
+    gtk_widget_show_all(window);
+    for (int i = 0; i < 200 && !gtk_widget_get_mapped(area); ++i) g_main_context_iteration(nullptr, TRUE);
+    while (g_main_context_pending(nullptr)) g_main_context_iteration(nullptr, FALSE);
+    return area;
+}
+
+void Settle() {
+    for (int i = 0; i < 20; ++i) {
+        while (g_main_context_pending(nullptr)) g_main_context_iteration(nullptr, FALSE);
+        g_usleep(10000);
+    }
+}
+
+std::uint32_t ScreenPixel(GdkPixbuf *shot, int x, int y) {
+    guchar const *p = gdk_pixbuf_get_pixels(shot) + y * gdk_pixbuf_get_rowstride(shot) + x * gdk_pixbuf_get_n_channels(shot);
+    return std::uint32_t(p[0]) << 16 | std::uint32_t(p[1]) << 8 | p[2];
+}
+
+}  // namespace
+
+TEST_F(WindowTarget, DrawingShowsInTheWindowAndTheFirstWindowStays) {
+    GtkWidget *area = Shown(200, 120);
+    direct2d::target<ID2D1HwndRenderTarget> t = direct2d::factory::Instance()->CreateRenderTarget(area, 200, 120);
+    EXPECT_EQ(t->GetHwnd(), area);
+    EXPECT_EQ(t->CheckWindowState(), D2D1_WINDOW_STATE_NONE);
+    container::comptr<ID2D1SolidColorBrush> red, blue;
+    t->CreateSolidColorBrush(D2D1::ColorF(1, 0, 0), red.Addr());
+    t->CreateSolidColorBrush(D2D1::ColorF(0, 0, 1), blue.Addr());
+    t->BeginDraw();
+    t->Clear(D2D1::ColorF(1, 1, 1));
+    t->FillRectangle(D2D1::RectF(10, 10, 90, 60), red);
+    t->FillEllipse(D2D1::Ellipse(D2D1::Point2F(150, 80), 30, 30), blue);
+    EXPECT_EQ(t->EndDraw(), S_OK);
+    Settle();
+
+    GdkPixbuf *shot = gdk_pixbuf_get_from_window(gtk_widget_get_window(area), 0, 0, 200, 120);
+    ASSERT_NE(shot, nullptr);
+    gdk_pixbuf_save(shot, "window_target.png", "png", nullptr, nullptr);
+    EXPECT_EQ(ScreenPixel(shot, 50, 30), 0xff0000u);
+    EXPECT_EQ(ScreenPixel(shot, 150, 80), 0x0000ffu);
+    EXPECT_EQ(ScreenPixel(shot, 120, 20), 0xffffffu);
+    g_object_unref(shot);
+
+    // Hidden and shown again, GTK repaints the widget from the kept drawing.
+    GtkWidget *window = gtk_widget_get_toplevel(area);
+    gtk_widget_hide(window);
+    Settle();
+    gtk_widget_show(window);
+    Settle();
+    shot = gdk_pixbuf_get_from_window(gtk_widget_get_window(area), 0, 0, 200, 120);
+    ASSERT_NE(shot, nullptr);
+    EXPECT_EQ(ScreenPixel(shot, 50, 30), 0xff0000u);
+    g_object_unref(shot);
+
+    GtkWidget *other = Shown(80, 80);
+    direct2d::target<ID2D1HwndRenderTarget> second = direct2d::factory::Instance()->CreateRenderTarget(other, 80, 80);
+    EXPECT_EQ(second->GetHwnd(), area);  // the first call's window, as designed
+    EXPECT_EQ(second->GetPixelSize().width, 200u);
+    t = direct2d::target<ID2D1HwndRenderTarget>();
+    second = direct2d::target<ID2D1HwndRenderTarget>();
+    gtk_widget_destroy(gtk_widget_get_toplevel(other));
+    gtk_widget_destroy(window);
+}
