@@ -1,6 +1,7 @@
 #include "qor/tools/direct2d/factory.h"
 
 #include "qor/tools/exception.h"
+#include "platform/d2d_target.h"
 #include "direct2d/target_properties.h"
 
 template class qor::tools::algorithm::singleton<qor::tools::direct2d::factory>;
@@ -70,10 +71,16 @@ target<ID2D1DCRenderTarget> factory::CreateRenderTarget(HDC dc, CRect const &rec
     return t;
 }
 
-// The window's properties are filled on the first call only: one window a process.
+// The window's properties are filled on the first call only: one window a
+// process. Once that window is destroyed, later calls fail.
 target<ID2D1HwndRenderTarget> factory::CreateRenderTarget(HWND window, int width, int height) {
-    static D2D1_HWND_RENDER_TARGET_PROPERTIES const properties = D2D1::HwndRenderTargetProperties(
-        window, D2D1::SizeU(std::uint32_t(width), std::uint32_t(height)), D2D1_PRESENT_OPTIONS_NONE);
+    static D2D1_HWND_RENDER_TARGET_PROPERTIES properties = [&] {
+        D2D1_HWND_RENDER_TARGET_PROPERTIES first = D2D1::HwndRenderTargetProperties(
+            window, D2D1::SizeU(std::uint32_t(width), std::uint32_t(height)), D2D1_PRESENT_OPTIONS_NONE);
+        return first;
+    }();
+    static bool watched = (platform::d2d::ForgetWhenDestroyed(properties.hwnd), true);
+    (void)watched;
     target<ID2D1HwndRenderTarget> t;
     if (!mD2dFactory || FAILED(mD2dFactory->CreateHwndRenderTarget(TargetProperties(), properties, t.Addr()))) {
         throw exception(u"direct2d factory create window target");

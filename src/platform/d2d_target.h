@@ -107,6 +107,10 @@ private:
 ID2D1HwndRenderTarget *NewWindowTarget(ID2D1Factory *factory, D2D1_HWND_RENDER_TARGET_PROPERTIES const &window,
                                        float dpiX, float dpiY);
 
+// Sets `slot` to null when the widget it names is destroyed, so that a
+// handle kept for later calls never points at a freed widget.
+void ForgetWhenDestroyed(HWND &slot);
+
 ID2D1StrokeStyle *NewStrokeStyle(ID2D1Factory *factory, D2D1_STROKE_STYLE_PROPERTIES const &properties,
                                  float const *dashes, std::uint32_t count);
 

@@ -70,6 +70,10 @@ private:
 
 }  // namespace
 
+void ForgetWhenDestroyed(HWND &slot) {
+    if (slot && GTK_IS_WIDGET(slot)) g_object_add_weak_pointer(G_OBJECT(slot), reinterpret_cast<gpointer *>(&slot));
+}
+
 // A size of 0 by 0 takes the widget's allocated size (at least one pixel).
 ID2D1HwndRenderTarget *NewWindowTarget(ID2D1Factory *factory, D2D1_HWND_RENDER_TARGET_PROPERTIES const &window,
                                        float dpiX, float dpiY) {

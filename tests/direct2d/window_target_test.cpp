@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
+#include "qor/tools/exception.h"
 #include "support/imaging.h"
 
 using namespace qor::tools;
@@ -87,4 +88,8 @@ TEST_F(WindowTarget, DrawingShowsInTheWindowAndTheFirstWindowStays) {
     second = direct2d::target<ID2D1HwndRenderTarget>();
     gtk_widget_destroy(gtk_widget_get_toplevel(other));
     gtk_widget_destroy(window);
+    // The kept window is gone: later targets cannot be made, and nothing points at it.
+    GtkWidget *third = Shown(40, 40);
+    EXPECT_THROW(direct2d::factory::Instance()->CreateRenderTarget(third, 40, 40), exception);
+    gtk_widget_destroy(gtk_widget_get_toplevel(third));
 }
