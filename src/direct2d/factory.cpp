@@ -1,5 +1,7 @@
 #include "qor/tools/direct2d/factory.h"
 
+#include <cstdlib>
+
 #include "qor/tools/exception.h"
 #include "platform/d2d_target.h"
 #include "direct2d/target_properties.h"
@@ -60,6 +62,31 @@ void factory::StockFont(char16_t const *name, char16_t const *family, float size
 font factory::StockFont(char16_t const *name) {
     font *stocked = mStockFonts.Find(string(name));
     return stocked ? stocked->Clone() : font();
+}
+
+font factory::CreateFontW(HDC dc, HFONT gdiFont) {
+    if (!dc || !gdiFont) return font();
+    auto check = [](HRESULT result) {
+        if (FAILED(result)) throw exception(u"direct2d factory create font");
+    };
+    if (!mWriteFactory) throw exception(u"direct2d factory create font");
+    container::comptr<IDWriteGdiInterop> interop;
+    check(mWriteFactory->GetGdiInterop(interop.Addr()));
+    LOGFONTW logfont{};
+    GetObjectW(gdiFont, sizeof logfont, &logfont);
+    container::comptr<IDWriteFont> matched;
+    check(interop->CreateFontFromLOGFONT(&logfont, matched.Addr()));
+    container::comptr<IDWriteFontFamily> family;
+    check(matched->GetFontFamily(family.Addr()));
+    container::comptr<IDWriteLocalizedStrings> names;
+    check(family->GetFamilyNames(names.Addr()));
+    char16_t name[128] = {};
+    check(names->GetString(0, name, 128));
+    float size = float(std::abs(MulDiv(logfont.lfHeight, 96, GetDeviceCaps(dc, LOGPIXELSY))));
+    font made;
+    check(mWriteFactory->CreateTextFormat(name, nullptr, matched->GetWeight(), matched->GetStyle(),
+                                          matched->GetStretch(), size, u"", made.Addr()));
+    return made;
 }
 
 target<ID2D1DCRenderTarget> factory::CreateRenderTarget(HDC dc, CRect const &rect) {

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "qor/tools/platform/handles.h"
 #include "utf8.h"
 
 namespace qor::tools::platform::dwrite {
@@ -204,6 +205,75 @@ HRESULT text_layout::GetMetrics(DWRITE_TEXT_METRICS *m) {
     return S_OK;
 }
 
+class family_names final : public com_object<IDWriteLocalizedStrings> {
+public:
+    explicit family_names(std::u16string name) : mName(std::move(name)) {}
+    std::uint32_t GetCount() override { return 1; }
+    HRESULT GetStringLength(std::uint32_t index, std::uint32_t *length) override {
+        if (index != 0 || !length) return E_INVALIDARG;
+        *length = std::uint32_t(mName.size());
+        return S_OK;
+    }
+    HRESULT GetString(std::uint32_t index, char16_t *text, std::uint32_t size) override {
+        if (index != 0 || !text) return E_INVALIDARG;
+        if (size <= mName.size()) return E_NOT_SUFFICIENT_BUFFER;
+        std::memcpy(text, mName.c_str(), (mName.size() + 1) * sizeof(char16_t));
+        return S_OK;
+    }
+
+private:
+    std::u16string mName;
+};
+
+class font_family final : public com_object<IDWriteFontFamily> {
+public:
+    explicit font_family(std::u16string name) : mName(std::move(name)) {}
+    HRESULT GetFamilyNames(IDWriteLocalizedStrings **names) override { return HandOut(new family_names(mName), names); }
+
+private:
+    std::u16string mName;
+};
+
+class matched_font final : public com_object<IDWriteFont> {
+public:
+    matched_font(std::u16string family, DWRITE_FONT_WEIGHT weight, DWRITE_FONT_STYLE style)
+        : mFamily(std::move(family)), mWeight(weight), mStyle(style) {}
+    HRESULT GetFontFamily(IDWriteFontFamily **family) override { return HandOut(new font_family(mFamily), family); }
+    DWRITE_FONT_WEIGHT GetWeight() override { return mWeight; }
+    DWRITE_FONT_STRETCH GetStretch() override { return DWRITE_FONT_STRETCH_NORMAL; }
+    DWRITE_FONT_STYLE GetStyle() override { return mStyle; }
+
+private:
+    std::u16string mFamily;
+    DWRITE_FONT_WEIGHT mWeight;
+    DWRITE_FONT_STYLE mStyle;
+};
+
+// Fonts matched by fontconfig: the family of the font it would draw with.
+class gdi_interop final : public com_object<IDWriteGdiInterop> {
+public:
+    HRESULT CreateFontFromLOGFONT(tagLOGFONTW const *lf, IDWriteFont **out) override {
+        if (!out) return E_INVALIDARG;
+        *out = nullptr;
+        if (!lf) return E_INVALIDARG;
+        std::u16string_view field(lf->lfFaceName, LF_FACESIZE);
+        std::u16string face(field.substr(0, field.find(u'\0')));
+        PangoFontDescription *d = pango_font_description_new();
+        pango_font_description_set_family(d, face.empty() ? "Sans" : detail::ToUtf8(face).c_str());
+        pango_font_description_set_absolute_size(d, 12 * PANGO_SCALE);
+        PangoFont *font = pango_font_map_load_font(pango_cairo_font_map_get_default(), ThreadContext(), d);
+        pango_font_description_free(d);
+        if (!font) return DWRITE_E_NOFONT;
+        PangoFontDescription *matched = pango_font_describe(font);
+        char const *family = pango_font_description_get_family(matched);
+        std::u16string name = detail::ToUtf16(family ? family : "");
+        pango_font_description_free(matched);
+        g_object_unref(font);
+        auto weight = DWRITE_FONT_WEIGHT(lf->lfWeight > 0 ? std::clamp<std::int32_t>(lf->lfWeight, 1, 999) : 400);
+        return HandOut(new matched_font(name, weight, lf->lfItalic ? DWRITE_FONT_STYLE_ITALIC : DWRITE_FONT_STYLE_NORMAL), out);
+    }
+};
+
 class write_factory final : public com_object<IDWriteFactory> {
 public:
     HRESULT CreateTextFormat(char16_t const *family, IUnknown *collection, DWRITE_FONT_WEIGHT weight,
@@ -231,6 +301,7 @@ public:
         if (!text || !values || !(maxWidth >= 0) || !(maxHeight >= 0)) return E_INVALIDARG;
         return HandOut(NewLayout(*values, std::u16string(text, length), maxWidth, maxHeight), layout);
     }
+    HRESULT GetGdiInterop(IDWriteGdiInterop **interop) override { return HandOut(new gdi_interop, interop); }
 };
 
 }  // namespace

@@ -124,3 +124,25 @@ TEST_F(Text, DrawnTextStaysInItsBox) {
     EXPECT_GT(Ink(image, 20, 10, 120, 70).first, 100);
     EXPECT_GT(Ink(image, 120, 10, 220, 70).first, 100);
 }
+
+TEST_F(Text, GdiFontOnAContextTurnsIntoDevicePixels) {
+    cairo_surface_t *surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 10, 10);
+    cairo_t *dc = cairo_create(surface);
+    PangoFontDescription *gdi = pango_font_description_from_string("DejaVu Sans Bold");
+    pango_font_description_set_absolute_size(gdi, 16 * PANGO_SCALE);  // a GDI height of -16
+    direct2d::factory &factory = *direct2d::factory::Instance();
+    direct2d::font at96 = factory.CreateFontW(dc, gdi);
+    EXPECT_EQ(at96->GetFontSize(), 16);
+    EXPECT_EQ(at96->GetFontWeight(), DWRITE_FONT_WEIGHT_BOLD);
+    char16_t family[64];
+    at96->GetFontFamilyName(family, 64);
+    EXPECT_EQ(std::u16string(family), u"DejaVu Sans");
+    cairo_surface_set_device_scale(surface, 1.25, 1.25);  // 120 per inch
+    EXPECT_EQ(GetDeviceCaps(dc, LOGPIXELSY), 120);
+    EXPECT_EQ(MulDiv(-16, 96, 120), -13);
+    EXPECT_EQ(factory.CreateFontW(dc, gdi)->GetFontSize(), 13);
+    EXPECT_TRUE(factory.CreateFontW(nullptr, gdi).IsEmpty());
+    pango_font_description_free(gdi);
+    cairo_destroy(dc);
+    cairo_surface_destroy(surface);
+}

@@ -49,6 +49,11 @@ public:
     font CreateFontW(char16_t const *family, float size, DWRITE_FONT_WEIGHT weight = DWRITE_FONT_WEIGHT_NORMAL,
                      DWRITE_FONT_STYLE style = DWRITE_FONT_STYLE_NORMAL,
                      DWRITE_FONT_STRETCH stretch = DWRITE_FONT_STRETCH_NORMAL);
+    // A format matching a GDI font on a context: the installed family
+    // fontconfig matches, the weight and style, and the height turned into
+    // device-independent pixels at the context's resolution. An empty font
+    // for a null context or font; throws "direct2d factory create font".
+    font CreateFontW(HDC dc, HFONT gdiFont);
     // A target drawing into `dc` over `rect`; throws "direct2d factory create dc target".
     target<ID2D1DCRenderTarget> CreateRenderTarget(HDC dc, CRect const &rect);
     // A target drawing into a GTK widget. The window and size of the first

@@ -96,6 +96,54 @@ protected:
     ~IDWriteTextLayout() = default;
 };
 
+inline constexpr IID IID_IDWriteLocalizedStrings = {0x08256209, 0x099a, 0x4b34, {0xb8, 0x6d, 0xc2, 0x2b, 0x11, 0x0e, 0x77, 0x71}};
+inline constexpr IID IID_IDWriteFontFamily = {0xda20d8ef, 0x812a, 0x4c43, {0x98, 0x02, 0x62, 0xec, 0x4a, 0xbd, 0x7a, 0xdd}};
+inline constexpr IID IID_IDWriteFont = {0xacd16696, 0x8c14, 0x4f5d, {0x87, 0x7e, 0xfe, 0x3f, 0xc1, 0xd3, 0x27, 0x37}};
+inline constexpr IID IID_IDWriteGdiInterop = {0x1edd9491, 0x9853, 0x4299, {0x89, 0x8f, 0x64, 0x32, 0x98, 0x3b, 0x6f, 0x3a}};
+inline constexpr HRESULT DWRITE_E_NOFONT = static_cast<HRESULT>(0x88985002u);
+
+struct QOR_TOOLS_API IDWriteLocalizedStrings : IUnknown {
+    static constexpr IID const &iid = IID_IDWriteLocalizedStrings;
+    virtual std::uint32_t GetCount() = 0;
+    virtual HRESULT GetStringLength(std::uint32_t index, std::uint32_t *length) = 0;
+    // The string and its terminator; E_NOT_SUFFICIENT_BUFFER when `size` cannot hold both.
+    virtual HRESULT GetString(std::uint32_t index, char16_t *text, std::uint32_t size) = 0;
+
+protected:
+    ~IDWriteLocalizedStrings() = default;
+};
+
+struct QOR_TOOLS_API IDWriteFontFamily : IUnknown {
+    static constexpr IID const &iid = IID_IDWriteFontFamily;
+    virtual HRESULT GetFamilyNames(IDWriteLocalizedStrings **names) = 0;
+
+protected:
+    ~IDWriteFontFamily() = default;
+};
+
+struct QOR_TOOLS_API IDWriteFont : IUnknown {
+    static constexpr IID const &iid = IID_IDWriteFont;
+    virtual HRESULT GetFontFamily(IDWriteFontFamily **family) = 0;
+    virtual DWRITE_FONT_WEIGHT GetWeight() = 0;
+    virtual DWRITE_FONT_STRETCH GetStretch() = 0;
+    virtual DWRITE_FONT_STYLE GetStyle() = 0;
+
+protected:
+    ~IDWriteFont() = default;
+};
+
+struct tagLOGFONTW;
+
+struct QOR_TOOLS_API IDWriteGdiInterop : IUnknown {
+    static constexpr IID const &iid = IID_IDWriteGdiInterop;
+    // The installed font that fontconfig matches to the description: its
+    // family, the weight, italic as the italic style.
+    virtual HRESULT CreateFontFromLOGFONT(tagLOGFONTW const *logfont, IDWriteFont **font) = 0;
+
+protected:
+    ~IDWriteGdiInterop() = default;
+};
+
 struct QOR_TOOLS_API IDWriteFactory : IUnknown {
     static constexpr IID const &iid = IID_IDWriteFactory;
     // `collection` must be null (the system's fonts); `locale` is kept for the record.
@@ -104,6 +152,7 @@ struct QOR_TOOLS_API IDWriteFactory : IUnknown {
                                      char16_t const *locale, IDWriteTextFormat **format) = 0;
     virtual HRESULT CreateTextLayout(char16_t const *text, std::uint32_t length, IDWriteTextFormat *format,
                                      float maxWidth, float maxHeight, IDWriteTextLayout **layout) = 0;
+    virtual HRESULT GetGdiInterop(IDWriteGdiInterop **interop) = 0;
 
 protected:
     ~IDWriteFactory() = default;

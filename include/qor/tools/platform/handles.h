@@ -1,14 +1,18 @@
 // The platform's window and drawing handles as the library stands them in:
-// a device context (HDC) is a cairo_t * and a window (HWND) a GtkWidget *.
+// a device context (HDC) is a cairo_t *, a window (HWND) a GtkWidget * and
+// a font (HFONT) a PangoFontDescription *; and the few GDI calls on them that
+// the drawing layers make.
 #pragma once
 
 #include <cstdint>
 
+#include "qor/tools/export.h"
 #include "qor/tools/platform/cairo_fwd.h"
 #include "qor/tools/platform/geometry.h"
 
 extern "C" {
 typedef struct _GtkWidget GtkWidget;
+typedef struct _PangoFontDescription PangoFontDescription;
 }
 
 namespace qor::tools {
@@ -37,5 +41,20 @@ struct tagLOGFONTW {
     char16_t lfFaceName[LF_FACESIZE];
 };
 using LOGFONTW = tagLOGFONTW;
+using HFONT = PangoFontDescription *;
+
+inline constexpr int LOGPIXELSX = 88;
+inline constexpr int LOGPIXELSY = 90;
+
+// LOGPIXELSX and LOGPIXELSY: 96 per inch times the device scale of the
+// context's surface (a HiDPI surface of scale 1.25 is 120 per inch); 0 for
+// other indexes.
+QOR_TOOLS_API int GetDeviceCaps(HDC dc, int index);
+// Fills a LOGFONTW from a font: the family, the height in pixels (negative,
+// a character height; points at 96 per inch), the weight and italic. Answers
+// the bytes written, 0 when `size` is too small or `object` is null.
+QOR_TOOLS_API int GetObjectW(HFONT object, int size, void *out);
+// a * b / c rounded half away from zero; -1 when c is 0 or the result overflows.
+QOR_TOOLS_API int MulDiv(int a, int b, int c);
 
 }  // namespace qor::tools
