@@ -1,4 +1,5 @@
 // The GDI calls the drawing layers make on contexts and fonts.
+#include <gdk/gdk.h>
 #include <pango/pangocairo.h>
 
 #include <cmath>
@@ -10,11 +11,19 @@
 
 namespace qor::tools {
 
+// A context on a screen (an X surface) has the screen's resolution; any
+// other context 96 per inch. Either is multiplied by the surface's scale.
 int GetDeviceCaps(HDC dc, int index) {
     if (index != LOGPIXELSX && index != LOGPIXELSY) return 0;
-    double sx = 1, sy = 1;
-    if (dc && cairo_status(dc) == CAIRO_STATUS_SUCCESS) cairo_surface_get_device_scale(cairo_get_target(dc), &sx, &sy);
-    return int(std::lround(96 * (index == LOGPIXELSX ? sx : sy)));
+    if (!dc || cairo_status(dc) != CAIRO_STATUS_SUCCESS) return 96;
+    cairo_surface_t *target = cairo_get_target(dc);
+    double sx = 1, sy = 1, dpi = 96;
+    cairo_surface_get_device_scale(target, &sx, &sy);
+    GdkScreen *screen = gdk_screen_get_default();
+    if (screen && cairo_surface_get_type(target) == CAIRO_SURFACE_TYPE_XLIB && gdk_screen_get_resolution(screen) > 0) {
+        dpi = gdk_screen_get_resolution(screen);
+    }
+    return int(std::lround(dpi * (index == LOGPIXELSX ? sx : sy)));
 }
 
 int GetObjectW(HFONT object, int size, void *out) {

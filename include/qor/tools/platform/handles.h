@@ -46,9 +46,9 @@ using HFONT = PangoFontDescription *;
 inline constexpr int LOGPIXELSX = 88;
 inline constexpr int LOGPIXELSY = 90;
 
-// LOGPIXELSX and LOGPIXELSY: 96 per inch times the device scale of the
-// context's surface (a HiDPI surface of scale 1.25 is 120 per inch); 0 for
-// other indexes.
+// LOGPIXELSX and LOGPIXELSY: the screen's resolution for a context on a
+// window, 96 per inch for any other, times the device scale of the context's
+// surface (a surface of scale 1.25 is 120 per inch); 0 for other indexes.
 QOR_TOOLS_API int GetDeviceCaps(HDC dc, int index);
 // Fills a LOGFONTW from a font: the family, the height in pixels (negative,
 // a character height; points at 96 per inch), the weight and italic. Answers
