@@ -9,7 +9,8 @@
 namespace qor::tools::platform {
 
 // The picture reduced to (width / kx) by (height / ky); the last columns and
-// rows that fill no whole block are left out. Null when nothing is left.
+// rows that fill no whole block are left out. Null when nothing is left or
+// kx is above 64.
 codec::surface BoxReduce(cairo_surface_t *image, int kx, int ky);
 
 }  // namespace qor::tools::platform
