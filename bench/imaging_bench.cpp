@@ -60,6 +60,54 @@ std::string const &File(codec::format f) {
 
 unsigned char const *Bytes(std::string const &s) { return reinterpret_cast<unsigned char const *>(s.data()); }
 
+// The anchors: libjpeg-turbo called bare, into a plain buffer and from rows of BGRA.
+void DecodeBare(std::string const &file) {
+    jpeg_decompress_struct info{};
+    jpeg_error_mgr errors{};
+    info.err = jpeg_std_error(&errors);
+    jpeg_create_decompress(&info);
+    jpeg_mem_src(&info, Bytes(file), file.size());
+    jpeg_read_header(&info, TRUE);
+    info.out_color_space = JCS_EXT_BGRA;
+    jpeg_start_decompress(&info);
+    std::size_t stride = std::size_t(info.output_width) * 4;
+    auto *pixels = static_cast<unsigned char *>(std::malloc(stride * info.output_height));
+    while (info.output_scanline < info.output_height) {
+        JSAMPROW row = pixels + stride * info.output_scanline;
+        jpeg_read_scanlines(&info, &row, 1);
+    }
+    jpeg_finish_decompress(&info);
+    jpeg_destroy_decompress(&info);
+    benchmark::DoNotOptimize(pixels);
+    std::free(pixels);
+}
+
+std::string EncodeBare(unsigned char const *pixels, int stride) {
+    jpeg_compress_struct info{};
+    jpeg_error_mgr errors{};
+    info.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&info);
+    unsigned char *buffer = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&info, &buffer, &size);
+    info.image_width = kWidth;
+    info.image_height = kHeight;
+    info.input_components = 4;
+    info.in_color_space = JCS_EXT_BGRA;
+    jpeg_set_defaults(&info);
+    jpeg_set_quality(&info, 90, TRUE);
+    jpeg_start_compress(&info, TRUE);
+    while (info.next_scanline < info.image_height) {
+        auto row = const_cast<JSAMPROW>(pixels + std::size_t(info.next_scanline) * std::size_t(stride));
+        jpeg_write_scanlines(&info, &row, 1);
+    }
+    jpeg_finish_compress(&info);
+    jpeg_destroy_compress(&info);
+    std::string out(reinterpret_cast<char *>(buffer), size);
+    std::free(buffer);
+    return out;
+}
+
 void JpegDecode(benchmark::State &state) {
     std::string const &file = File(codec::format::jpeg);
     for (auto _ : state) benchmark::DoNotOptimize(codec::Decode(Bytes(file), file.size()));
@@ -69,24 +117,7 @@ void JpegDecode(benchmark::State &state) {
 void JpegDecode_Anchor(benchmark::State &state) {
     std::string const &file = File(codec::format::jpeg);
     for (auto _ : state) {
-        jpeg_decompress_struct info{};
-        jpeg_error_mgr errors{};
-        info.err = jpeg_std_error(&errors);
-        jpeg_create_decompress(&info);
-        jpeg_mem_src(&info, Bytes(file), file.size());
-        jpeg_read_header(&info, TRUE);
-        info.out_color_space = JCS_EXT_BGRA;
-        jpeg_start_decompress(&info);
-        std::size_t stride = std::size_t(info.output_width) * 4;
-        auto *pixels = static_cast<unsigned char *>(std::malloc(stride * info.output_height));
-        while (info.output_scanline < info.output_height) {
-            JSAMPROW row = pixels + stride * info.output_scanline;
-            jpeg_read_scanlines(&info, &row, 1);
-        }
-        jpeg_finish_decompress(&info);
-        jpeg_destroy_decompress(&info);
-        benchmark::DoNotOptimize(pixels);
-        std::free(pixels);
+        DecodeBare(file);
     }
     state.SetItemsProcessed(state.iterations() * kWidth * kHeight);
 }
@@ -112,28 +143,8 @@ void JpegEncodeWithExif_Anchor(benchmark::State &state) {
     auto picture = Picture(kWidth, kHeight);
     unsigned char *pixels = cairo_image_surface_get_data(picture.get());
     for (auto _ : state) {
-        jpeg_compress_struct info{};
-        jpeg_error_mgr errors{};
-        info.err = jpeg_std_error(&errors);
-        jpeg_create_compress(&info);
-        unsigned char *buffer = nullptr;
-        unsigned long size = 0;
-        jpeg_mem_dest(&info, &buffer, &size);
-        info.image_width = kWidth;
-        info.image_height = kHeight;
-        info.input_components = 4;
-        info.in_color_space = JCS_EXT_BGRA;
-        jpeg_set_defaults(&info);
-        jpeg_set_quality(&info, 90, TRUE);
-        jpeg_start_compress(&info, TRUE);
-        while (info.next_scanline < info.image_height) {
-            JSAMPROW row = pixels + std::size_t(info.next_scanline) * kWidth * 4;
-            jpeg_write_scanlines(&info, &row, 1);
-        }
-        jpeg_finish_compress(&info);
-        jpeg_destroy_compress(&info);
-        benchmark::DoNotOptimize(buffer);
-        std::free(buffer);
+        std::string out = EncodeBare(pixels, kWidth * 4);
+        benchmark::DoNotOptimize(out);
     }
     state.SetItemsProcessed(state.iterations() * kWidth * kHeight);
 }
@@ -198,24 +209,7 @@ void WicLoad_Anchor(benchmark::State &state) {
     Folder();
     for (auto _ : state) {
         std::string file = ReadAll("photo.jpg");
-        jpeg_decompress_struct info{};
-        jpeg_error_mgr errors{};
-        info.err = jpeg_std_error(&errors);
-        jpeg_create_decompress(&info);
-        jpeg_mem_src(&info, Bytes(file), file.size());
-        jpeg_read_header(&info, TRUE);
-        info.out_color_space = JCS_EXT_BGRA;
-        jpeg_start_decompress(&info);
-        std::size_t stride = std::size_t(info.output_width) * 4;
-        auto *pixels = static_cast<unsigned char *>(std::malloc(stride * info.output_height));
-        while (info.output_scanline < info.output_height) {
-            JSAMPROW row = pixels + stride * info.output_scanline;
-            jpeg_read_scanlines(&info, &row, 1);
-        }
-        jpeg_finish_decompress(&info);
-        jpeg_destroy_decompress(&info);
-        benchmark::DoNotOptimize(pixels);
-        std::free(pixels);
+        DecodeBare(file);
     }
 }
 
@@ -267,28 +261,8 @@ void WicSaveWithExif_Anchor(benchmark::State &state) {
     wic::lock pixels(photo, qor::tools::WICBitmapLockRead);
     std::string path = Folder() + "/anchor.jpg";
     for (auto _ : state) {
-        jpeg_compress_struct info{};
-        jpeg_error_mgr errors{};
-        info.err = jpeg_std_error(&errors);
-        jpeg_create_compress(&info);
-        unsigned char *buffer = nullptr;
-        unsigned long size = 0;
-        jpeg_mem_dest(&info, &buffer, &size);
-        info.image_width = kWidth;
-        info.image_height = kHeight;
-        info.input_components = 4;
-        info.in_color_space = JCS_EXT_BGRA;
-        jpeg_set_defaults(&info);
-        jpeg_set_quality(&info, 90, TRUE);
-        jpeg_start_compress(&info, TRUE);
-        while (info.next_scanline < info.image_height) {
-            JSAMPROW row = pixels.Data() + std::size_t(info.next_scanline) * pixels.Stride();
-            jpeg_write_scanlines(&info, &row, 1);
-        }
-        jpeg_finish_compress(&info);
-        jpeg_destroy_compress(&info);
-        std::ofstream(path, std::ios::binary).write(reinterpret_cast<char *>(buffer), std::streamsize(size));
-        std::free(buffer);
+        std::string out = EncodeBare(pixels.Data(), pixels.Stride());
+        std::ofstream(path, std::ios::binary) << out;
     }
 }
 

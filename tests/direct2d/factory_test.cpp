@@ -5,21 +5,10 @@
 #include "qor/tools/direct2d/factory.h"
 #include "qor/tools/direct2d/wic.h"
 #include "qor/tools/exception.h"
+#include "support/thrown.h"
 
 using namespace qor::tools;
-
-namespace {
-
-string Thrown(std::function<void()> const &call) {
-    try {
-        call();
-    } catch (exception const &e) {
-        return e.mMessage;
-    }
-    return u"(nothing thrown)";
-}
-
-}  // namespace
+using qor::tools::testing::Thrown;
 
 TEST(Direct2dFactory, LifeOfTheOneFactory) {
     EXPECT_EQ(direct2d::factory::Instance(), nullptr);

@@ -7,9 +7,11 @@
 
 #include "qor/tools/direct2d/font.h"
 #include "qor/tools/exception.h"
+#include "support/thrown.h"
 #include "support/imaging.h"
 
 using namespace qor::tools;
+using qor::tools::testing::Thrown;
 namespace qt = qor::tools::testing;
 using direct2d::wic;
 
@@ -26,15 +28,6 @@ protected:
         return m;
     }
 };
-
-string Thrown(std::function<void()> const &call) {
-    try {
-        call();
-    } catch (exception const &e) {
-        return e.mMessage;
-    }
-    return u"(nothing thrown)";
-}
 
 // Pixels with any ink, inside and outside a rectangle.
 std::pair<int, int> Ink(wic &image, int left, int top, int right, int bottom) {

@@ -9,9 +9,11 @@
 
 #include "qor/tools/direct2d/path.h"
 #include "qor/tools/exception.h"
+#include "support/thrown.h"
 #include "support/imaging.h"
 
 using namespace qor::tools;
+using qor::tools::testing::Thrown;
 namespace qt = qor::tools::testing;
 using direct2d::wic;
 
@@ -51,15 +53,6 @@ public:
     bool mFilled = false, mClosed = false;
     int mOthers = 0;
 };
-
-string Thrown(std::function<void()> const &call) {
-    try {
-        call();
-    } catch (exception const &e) {
-        return e.mMessage;
-    }
-    return u"(nothing thrown)";
-}
 
 container::comptr<ID2D1SolidColorBrush> Black(ID2D1RenderTarget *t) {
     container::comptr<ID2D1SolidColorBrush> brush;

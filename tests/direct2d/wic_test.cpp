@@ -10,11 +10,13 @@
 #include <filesystem>
 
 #include "qor/tools/exception.h"
+#include "support/thrown.h"
 #include "support/imaging.h"
 #include "support/picture_files.h"
 #include "support/temp_dir.h"
 
 using namespace qor::tools;
+using qor::tools::testing::Thrown;
 namespace qt = qor::tools::testing;
 using direct2d::wic;
 using qt::PixelAt;
@@ -29,15 +31,6 @@ protected:
 };
 
 constexpr std::uint32_t kHalfRed = 0x80800000u;  // red at half opacity, premultiplied
-
-string Thrown(std::function<void()> const &call) {
-    try {
-        call();
-    } catch (exception const &e) {
-        return e.mMessage;
-    }
-    return u"(nothing thrown)";
-}
 
 }  // namespace
 

@@ -1,4 +1,4 @@
-// The metadata query reader and writer: the spec's query paths and their
+// The metadata query reader and writer: the query paths of the EXIF fields and their
 // aliases, value types to field types and back, padding, directories as
 // nested readers, and paths that name nothing.
 #include <gtest/gtest.h>
