@@ -7,6 +7,7 @@
 
 #include "codec.h"
 #include "d2d_target.h"
+#include "widget_present.h"
 
 namespace qor::tools::platform::d2d {
 
@@ -43,16 +44,7 @@ public:
 
 private:
     // Shown now, if the widget has a window to show it in.
-    void Present() {
-        GdkWindow *window = gtk_widget_get_window(mWidget);
-        if (!window || !gtk_widget_get_mapped(mWidget)) return;
-        cairo_rectangle_int_t area{0, 0, gtk_widget_get_allocated_width(mWidget), gtk_widget_get_allocated_height(mWidget)};
-        cairo_region_t *region = cairo_region_create_rectangle(&area);
-        GdkDrawingContext *frame = gdk_window_begin_draw_frame(window, region);
-        Paint(gdk_drawing_context_get_cairo_context(frame));
-        gdk_window_end_draw_frame(window, frame);
-        cairo_region_destroy(region);
-    }
+    void Present() { PresentOnWidget(mWidget, mSurface); }
     void Paint(cairo_t *cr) {
         cairo_save(cr);
         cairo_set_source_surface(cr, mSurface, 0, 0);
@@ -79,10 +71,7 @@ ID2D1HwndRenderTarget *NewWindowTarget(ID2D1Factory *factory, D2D1_HWND_RENDER_T
                                        float dpiX, float dpiY) {
     if (!window.hwnd || !GTK_IS_WIDGET(window.hwnd)) return nullptr;
     int width = int(window.pixelSize.width), height = int(window.pixelSize.height);
-    if (width == 0 && height == 0) {
-        width = std::max(1, gtk_widget_get_allocated_width(window.hwnd));
-        height = std::max(1, gtk_widget_get_allocated_height(window.hwnd));
-    }
+    if (width == 0 && height == 0) WidgetSize(window.hwnd, width, height);
     codec::surface pixels = codec::NewSurface(width, height);
     if (!pixels) return nullptr;
     return new window_target(factory, pixels.get(), window.hwnd, dpiX, dpiY);

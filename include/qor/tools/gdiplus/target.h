@@ -1,0 +1,86 @@
+// gdiplus::target: a shared Gdiplus::Graphics on a window, a context or an
+// image, with the image it draws on (Image()). Drawing goes through
+// operator->; DrawRoundRect strokes a rounded rectangle as eight pieces.
+// The graphics keeps its own reference to what it draws on, so a target's
+// image may go first. Copies share the graphics but not the image.
+//
+//   gdiplus::target canvas(400, 300, PixelFormat32bppARGB);
+//   canvas->Clear(Gdiplus::Color(255, 255, 255, 255));
+//   canvas.DrawRoundRect(gdiplus::pen(2.0f, 0xFF000000ul), 10, 10, 200, 100, 12, 12);
+//   canvas.Image().Save(u"/tmp/canvas.png");
+//
+// target::selector selects a GDI object into a context for a scope and puts
+// the previous one back; target::dc lends the graphics' context for direct
+// Cairo or GDI calls for a scope, during which the graphics draws nothing.
+#pragma once
+
+#include "qor/tools/export.h"
+
+#include "qor/tools/container/sptr.h"
+#include "qor/tools/gdiplus/image.h"
+#include "qor/tools/platform/gdiplus.h"
+
+namespace qor::tools::gdiplus {
+
+class QOR_TOOLS_API target : public container::sptr<Gdiplus::Graphics> {
+public:
+    class selector;
+    class dc;
+
+    target() = default;
+    explicit target(HWND window) { Create(window); }
+    explicit target(HDC context) { Create(context); }
+    explicit target(image &picture) { Create(picture); }
+    target(CRect const &rect, int format) { Create(rect, format); }
+    target(int width, int height, int format) { Create(width, height, format); }
+    // Shares the graphics; the copy's Image() is empty.
+    target(target const &other) : container::sptr<Gdiplus::Graphics>(other) {}
+    // Shares the graphics; Image() stays as it was.
+    target &operator=(target const &other) {
+        container::sptr<Gdiplus::Graphics>::operator=(other);
+        return *this;
+    }
+    ~target() override = default;
+
+    void Create(HWND window);
+    void Create(HDC context);
+    void Create(image &picture);
+    // A new image of the rectangle's size; drawing starts at (0, 0).
+    void Create(CRect const &rect, int format);
+    void Create(int width, int height, int format);
+    image &Image() { return mSurface; }
+
+    void DrawRoundRect(Gdiplus::Pen const *pen, Gdiplus::RectF const &rect, float rx, float ry);
+    void DrawRoundRect(Gdiplus::Pen const *pen, int x, int y, int width, int height, int rx, int ry);
+
+    image mSurface;
+};
+
+class QOR_TOOLS_API target::selector {
+public:
+    // A null object selects nothing and restores nothing.
+    selector(HDC context, void *object);
+    selector(HDC context, CGdiObject *object);
+    selector(selector const &) = default;
+    selector &operator=(selector const &) = default;
+    ~selector();
+
+    HDC mDc;
+    HGDIOBJ mPrevious;
+};
+
+class QOR_TOOLS_API target::dc {
+public:
+    explicit dc(target &owner);
+    dc(dc const &) = default;
+    dc &operator=(dc const &) = default;
+    ~dc();
+
+    operator HDC() const { return mHandle; }
+    operator long long() const { return reinterpret_cast<long long>(mHandle); }
+
+    target *mOwner;
+    HDC mHandle;
+};
+
+}  // namespace qor::tools::gdiplus
