@@ -2,8 +2,8 @@
 
 namespace qor::tools::gdiplus {
 
-bdc::bdc(HDC context, CRect &rect, _BP_BUFFERFORMAT format)
-    : mPaintBuffer(BeginBufferedPaint(context, &rect, format, nullptr, &mDc)) {
+bdc::bdc(HDC context, CRect &rect, _BP_BUFFERFORMAT format) {
+    mPaintBuffer = BeginBufferedPaint(context, &rect, format, nullptr, &mDc);
     mTarget.Create(mDc);
 }
 

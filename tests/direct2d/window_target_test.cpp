@@ -6,6 +6,7 @@
 #include <gtk/gtk.h>
 
 #include "qor/tools/exception.h"
+#include "support/gtk_window.h"
 #include "support/imaging.h"
 
 using namespace qor::tools;
@@ -20,34 +21,10 @@ protected:
     }
 };
 
-// A window with a drawing area of `width` by `height`, shown and mapped.
-GtkWidget *Shown(int width, int height) {
-    GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-    GtkWidget *area = gtk_drawing_area_new();
-    gtk_widget_set_size_request(area, width, height);
-    gtk_container_add(GTK_CONTAINER(window), area);
-    gtk_widget_show_all(window);
-    for (int i = 0; i < 200 && !gtk_widget_get_mapped(area); ++i) g_main_context_iteration(nullptr, TRUE);
-    while (g_main_context_pending(nullptr)) g_main_context_iteration(nullptr, FALSE);
-    return area;
-}
-
-void Settle() {
-    for (int i = 0; i < 20; ++i) {
-        while (g_main_context_pending(nullptr)) g_main_context_iteration(nullptr, FALSE);
-        g_usleep(10000);
-    }
-}
-
-std::uint32_t ScreenPixel(GdkPixbuf *shot, int x, int y) {
-    guchar const *p = gdk_pixbuf_get_pixels(shot) + y * gdk_pixbuf_get_rowstride(shot) + x * gdk_pixbuf_get_n_channels(shot);
-    return std::uint32_t(p[0]) << 16 | std::uint32_t(p[1]) << 8 | p[2];
-}
-
 }  // namespace
 
 TEST_F(WindowTarget, DrawingShowsInTheWindowAndTheFirstWindowStays) {
-    GtkWidget *area = Shown(200, 120);
+    GtkWidget *area = qt::ShownArea(200, 120);
     direct2d::target<ID2D1HwndRenderTarget> t = direct2d::factory::Instance()->CreateRenderTarget(area, 200, 120);
     EXPECT_EQ(t->GetHwnd(), area);
     EXPECT_EQ(t->CheckWindowState(), D2D1_WINDOW_STATE_NONE);
@@ -59,28 +36,28 @@ TEST_F(WindowTarget, DrawingShowsInTheWindowAndTheFirstWindowStays) {
     t->FillRectangle(D2D1::RectF(10, 10, 90, 60), red);
     t->FillEllipse(D2D1::Ellipse(D2D1::Point2F(150, 80), 30, 30), blue);
     EXPECT_EQ(t->EndDraw(), S_OK);
-    Settle();
+    qt::Settle();
 
     GdkPixbuf *shot = gdk_pixbuf_get_from_window(gtk_widget_get_window(area), 0, 0, 200, 120);
     ASSERT_NE(shot, nullptr);
     gdk_pixbuf_save(shot, "window_target.png", "png", nullptr, nullptr);
-    EXPECT_EQ(ScreenPixel(shot, 50, 30), 0xff0000u);
-    EXPECT_EQ(ScreenPixel(shot, 150, 80), 0x0000ffu);
-    EXPECT_EQ(ScreenPixel(shot, 120, 20), 0xffffffu);
+    EXPECT_EQ(qt::ScreenPixel(shot, 50, 30), 0xff0000u);
+    EXPECT_EQ(qt::ScreenPixel(shot, 150, 80), 0x0000ffu);
+    EXPECT_EQ(qt::ScreenPixel(shot, 120, 20), 0xffffffu);
     g_object_unref(shot);
 
     // Hidden and shown again, GTK repaints the widget from the kept drawing.
     GtkWidget *window = gtk_widget_get_toplevel(area);
     gtk_widget_hide(window);
-    Settle();
+    qt::Settle();
     gtk_widget_show(window);
-    Settle();
+    qt::Settle();
     shot = gdk_pixbuf_get_from_window(gtk_widget_get_window(area), 0, 0, 200, 120);
     ASSERT_NE(shot, nullptr);
-    EXPECT_EQ(ScreenPixel(shot, 50, 30), 0xff0000u);
+    EXPECT_EQ(qt::ScreenPixel(shot, 50, 30), 0xff0000u);
     g_object_unref(shot);
 
-    GtkWidget *other = Shown(80, 80);
+    GtkWidget *other = qt::ShownArea(80, 80);
     direct2d::target<ID2D1HwndRenderTarget> second = direct2d::factory::Instance()->CreateRenderTarget(other, 80, 80);
     EXPECT_EQ(second->GetHwnd(), area);  // the first call's window, as designed
     EXPECT_EQ(second->GetPixelSize().width, 200u);
@@ -89,7 +66,7 @@ TEST_F(WindowTarget, DrawingShowsInTheWindowAndTheFirstWindowStays) {
     gtk_widget_destroy(gtk_widget_get_toplevel(other));
     gtk_widget_destroy(window);
     // The kept window is gone: later targets cannot be made, and nothing points at it.
-    GtkWidget *third = Shown(40, 40);
+    GtkWidget *third = qt::ShownArea(40, 40);
     EXPECT_THROW(direct2d::factory::Instance()->CreateRenderTarget(third, 40, 40), exception);
     gtk_widget_destroy(gtk_widget_get_toplevel(third));
 }

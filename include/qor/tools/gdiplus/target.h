@@ -58,8 +58,12 @@ public:
 
 class QOR_TOOLS_API target::selector {
 public:
-    // A null object selects nothing and restores nothing.
+    // A null object selects nothing and restores nothing. An untyped object
+    // is one the context knows from an earlier typed selection; the typed
+    // forms select any font or bitmap.
     selector(HDC context, void *object);
+    selector(HDC context, HFONT font) : mDc(context), mPrevious(font ? SelectObject(context, font) : nullptr) {}
+    selector(HDC context, HBITMAP bitmap) : mDc(context), mPrevious(bitmap ? SelectObject(context, bitmap) : nullptr) {}
     selector(HDC context, CGdiObject *object);
     selector(selector const &) = default;
     selector &operator=(selector const &) = default;
