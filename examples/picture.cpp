@@ -1,7 +1,8 @@
 // The road of one picture: load a photograph (or, without one, draw a picture
 // through a render target), read its EXIF, make a thumbnail, save a JPEG copy
 // with EXIF and an embedded thumbnail, read that copy's EXIF back, and plot
-// the histogram as a PNG. Each step says what it did.
+// the histogram as a PNG, and paint a card of the thumbnail with a caption on
+// the painting side. Each step says what it did.
 //
 //   qor_picture [photo [folder]]     (a drawn picture and a scratch folder by default)
 #include <qor/tools.h>
@@ -77,6 +78,22 @@ wic Plot(graphic::histogram &h) {
     return plot;
 }
 
+// A card on the painting side: the thumbnail, a caption and a rounded frame.
+void Card(string const &thumbnailPath, string const &cardPath, std::string const &caption) {
+    gdiplus::image thumbnail(thumbnailPath);
+    gdiplus::target card(360, 160, Gdiplus::PixelFormat32bppARGB);
+    card->SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
+    card->Clear(Gdiplus::Color(0xFFFAFAF5u));
+    card->DrawImage(thumbnail.Get(), 20, 20);
+    gdiplus::font title(u"IPAGothic", 13.0f, Gdiplus::FontStyleBold), body(u"DejaVu Sans", 9.0f, 0);
+    string::converter text;
+    card->DrawString(u"写真カード", -1, title, Gdiplus::PointF{195, 24}, gdiplus::brush(0xFF202020ul));
+    card->DrawString(text.Utf8(caption.c_str()), -1, body, Gdiplus::RectF(195, 56, 150, 80), nullptr,
+                     gdiplus::brush(0xFF505050ul));
+    card.DrawRoundRect(gdiplus::pen(2.0f, 0xFF3060A0ul), 6, 6, 348, 148, 14, 14);
+    card.Image().Save(cardPath);
+}
+
 }  // namespace
 
 int main(int argc, char **argv) {
@@ -91,6 +108,8 @@ int main(int argc, char **argv) {
 
     CoInitialize(nullptr);
     auto *factory = new direct2d::factory;
+    auto *painting = new gdiplus::factory;
+    painting->Initialize();
     try {
         factory->Initialize(D2D1_FACTORY_TYPE_SINGLE_THREADED);
         wic photo;
@@ -137,12 +156,17 @@ int main(int argc, char **argv) {
         plot.Save(in("histogram.png"), nullptr);
         Say("histogram", "most common luminance " + std::to_string(brightest) + ", largest count " +
                              std::to_string(h.MaxValue() + 1) + ", plot in " + folder + "/histogram.png");
+
+        Card(in("thumbnail.png"), in("card.png"), Size(photo) + ", luminance " + std::to_string(brightest));
+        Say("card", "thumbnail, caption and frame painted in " + folder + "/card.png");
     } catch (exception const &e) {
         Say("failed", Utf8(e.mMessage));
         factory->Terminate();
+        painting->Terminate();
         return 1;
     }
     factory->Terminate();
+    painting->Terminate();
     CoUninitialize();
     return 0;
 }
