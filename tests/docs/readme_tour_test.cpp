@@ -72,6 +72,17 @@ TEST(ReadmeTour, EverySnippetRuns) {
         qor::tools::CoUninitialize();
     }
     {
+        (new qor::tools::gdiplus::factory)->Initialize();
+        qor::tools::gdiplus::target card(320, 120, qor::tools::Gdiplus::PixelFormat32bppARGB);
+        card->Clear(qor::tools::Gdiplus::Color(0xFFFFFFFFu));
+        card->DrawString(u"写真", -1, qor::tools::gdiplus::font(u"IPAGothic", 14.0f, 0),
+                         qor::tools::Gdiplus::PointF{10, 10}, qor::tools::gdiplus::brush(0xFF000000ul));
+        card.DrawRoundRect(qor::tools::gdiplus::pen(2.0f, 0xFF3060A0ul), 2, 2, 316, 116, 10, 10);
+        card.Image().Save(u"card.png");
+        qor::tools::gdiplus::factory::Instance()->Terminate();
+        EXPECT_EQ(qor::tools::gdiplus::image(u"card.png").Size().Width, 320);
+    }
+    {
         qor::tools::graphic::circle c(qor::tools::graphic::pointd(0, 0), qor::tools::graphic::pointd(2, 0),
                                       qor::tools::graphic::pointd(1, 1));
         double area = c.Area();
