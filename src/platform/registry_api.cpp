@@ -16,8 +16,9 @@ using platform::reg::key_id;
 using platform::reg::store;
 using platform::reg::value;
 
+// The store is kept with the key, so that a key stays in the file it was opened in.
 struct open_key {
-    HKEY mRoot;
+    store *mStore;
     key_id mId;
 };
 
@@ -26,8 +27,8 @@ std::unordered_map<std::uintptr_t, open_key> gKeys;
 std::uintptr_t gLastKey = 0x1000;
 
 bool Lookup(HKEY handle, open_key &key) {
-    if (store::Of(handle)) {
-        key = {handle, 0};
+    if (store *root = store::Of(handle)) {
+        key = {root, 0};
         return true;
     }
     std::lock_guard guard(gKeysLock);
@@ -52,10 +53,10 @@ LSTATUS Opened(HKEY base, char16_t const *path, bool create, HKEY *result, DWORD
     if (!Lookup(base, key)) return LSTATUS(ERROR_INVALID_HANDLE);
     key_id id = 0;
     bool created = false;
-    LSTATUS status = store::Of(key.mRoot)->Resolve(key.mId, Utf8(path), create, id, &created);
+    LSTATUS status = key.mStore->Resolve(key.mId, Utf8(path), create, id, &created);
     if (status != 0) return status;
     if (disposition) *disposition = created ? REG_CREATED_NEW_KEY : REG_OPENED_EXISTING_KEY;
-    *result = NewHandle({key.mRoot, id});
+    *result = NewHandle({key.mStore, id});
     return LSTATUS(ERROR_SUCCESS);
 }
 
@@ -105,28 +106,28 @@ LSTATUS RegSetValueExW(HKEY handle, char16_t const *name, DWORD, DWORD type, std
     if (!Lookup(handle, key)) return LSTATUS(ERROR_INVALID_HANDLE);
     if (!data && size) return LSTATUS(ERROR_INVALID_PARAMETER);
     value v{Utf8(name), type, data ? std::string(reinterpret_cast<char const *>(data), size) : std::string()};
-    return store::Of(key.mRoot)->Set(key.mId, v);
+    return key.mStore->Set(key.mId, v);
 }
 
 LSTATUS RegQueryValueExW(HKEY handle, char16_t const *name, DWORD *, DWORD *type, std::uint8_t *data, DWORD *size) {
     open_key key;
     if (!Lookup(handle, key)) return LSTATUS(ERROR_INVALID_HANDLE);
     value v;
-    LSTATUS status = store::Of(key.mRoot)->Get(key.mId, Utf8(name), v);
+    LSTATUS status = key.mStore->Get(key.mId, Utf8(name), v);
     return status == 0 ? Answer(v, type, data, size) : status;
 }
 
 LSTATUS RegDeleteValueW(HKEY handle, char16_t const *name) {
     open_key key;
     if (!Lookup(handle, key)) return LSTATUS(ERROR_INVALID_HANDLE);
-    return store::Of(key.mRoot)->Delete(key.mId, Utf8(name));
+    return key.mStore->Delete(key.mId, Utf8(name));
 }
 
 LSTATUS RegDeleteKeyW(HKEY handle, char16_t const *path) {
     open_key key;
     if (!Lookup(handle, key)) return LSTATUS(ERROR_INVALID_HANDLE);
     if (!path || !*path) return LSTATUS(ERROR_ACCESS_DENIED);
-    return store::Of(key.mRoot)->DeleteKey(key.mId, Utf8(path));
+    return key.mStore->DeleteKey(key.mId, Utf8(path));
 }
 
 LSTATUS RegEnumValueW(HKEY handle, DWORD index, char16_t *name, DWORD *nameLength, DWORD *, DWORD *type,
@@ -134,7 +135,7 @@ LSTATUS RegEnumValueW(HKEY handle, DWORD index, char16_t *name, DWORD *nameLengt
     open_key key;
     if (!Lookup(handle, key)) return LSTATUS(ERROR_INVALID_HANDLE);
     value v;
-    LSTATUS status = store::Of(key.mRoot)->EnumValue(key.mId, index, v);
+    LSTATUS status = key.mStore->EnumValue(key.mId, index, v);
     if (status != 0) return status;
     status = Name(v.mName, name, nameLength);
     return status == 0 ? Answer(v, type, data, size) : status;
@@ -145,7 +146,7 @@ LSTATUS RegEnumKeyExW(HKEY handle, DWORD index, char16_t *name, DWORD *nameLengt
     open_key key;
     if (!Lookup(handle, key)) return LSTATUS(ERROR_INVALID_HANDLE);
     std::string found;
-    LSTATUS status = store::Of(key.mRoot)->EnumKey(key.mId, index, found);
+    LSTATUS status = key.mStore->EnumKey(key.mId, index, found);
     if (status != 0) return status;
     if (keyClass && classLength && *classLength) keyClass[0] = 0;
     if (classLength) *classLength = 0;

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <cstdlib>
+#include <map>
 #include <memory>
 
 namespace qor::tools::platform::reg {
@@ -25,13 +26,19 @@ std::string Folded(std::string const &name) {
     return result;
 }
 
-// A prepared statement, finalised at the end of the scope.
-class statement {
+}  // namespace
+
+// One use of a statement the store keeps prepared, reset at the end of the scope.
+class store::statement {
 public:
-    statement(sqlite3 *db, char const *sql) { mCode = sqlite3_prepare_v2(db, sql, -1, &mStmt, nullptr); }
+    statement(store &owner, char const *sql) : mStmt(owner.Prepared(sql, mCode)) {}
     statement(statement const &) = delete;
     statement &operator=(statement const &) = delete;
-    ~statement() { sqlite3_finalize(mStmt); }
+    ~statement() {
+        if (!mStmt) return;
+        sqlite3_reset(mStmt);
+        sqlite3_clear_bindings(mStmt);
+    }
 
     statement &Bind(int i, key_id v) {
         Note(sqlite3_bind_int64(mStmt, i, v));
@@ -57,9 +64,11 @@ private:
     void Note(int code) {
         if (mCode == SQLITE_OK) mCode = code;
     }
-    sqlite3_stmt *mStmt = nullptr;
-    int mCode;
+    int mCode = SQLITE_OK;
+    sqlite3_stmt *mStmt;
 };
+
+namespace {
 
 std::string Folder() {
     if (char const *dir = std::getenv("QORTOOLS_REGISTRY_DIR"); dir && *dir) return dir;
@@ -79,17 +88,37 @@ std::string SystemFolder() {
 
 }  // namespace
 
+// The file is looked up at every call, so that a change of the folder the
+// environment names takes effect; each file has one connection in the process.
 store *store::Of(HKEY root) {
-    static store *user = new store(UserFolder() + "/current_user.db");
-    static store *machine = new store(SystemFolder() + "/local_machine.db");
-    static store *classes = new store(SystemFolder() + "/classes_root.db");
-    if (root == HKEY_CURRENT_USER) return user;
-    if (root == HKEY_LOCAL_MACHINE) return machine;
-    if (root == HKEY_CLASSES_ROOT) return classes;
-    return nullptr;
+    std::string path;
+    if (root == HKEY_CURRENT_USER) {
+        path = UserFolder() + "/current_user.db";
+    } else if (root == HKEY_LOCAL_MACHINE) {
+        path = SystemFolder() + "/local_machine.db";
+    } else if (root == HKEY_CLASSES_ROOT) {
+        path = SystemFolder() + "/classes_root.db";
+    } else {
+        return nullptr;
+    }
+    static std::mutex lock;
+    static auto *stores = new std::map<std::string, store *>;  // kept for the life of the process
+    std::lock_guard guard(lock);
+    store *&found = (*stores)[path];
+    if (!found) found = new store(path);
+    return found;
 }
 
-store::~store() { sqlite3_close(mDb); }
+store::~store() {
+    for (auto &kept : mStatements) sqlite3_finalize(kept.second);
+    sqlite3_close(mDb);
+}
+
+sqlite3_stmt *store::Prepared(char const *sql, int &code) {
+    sqlite3_stmt *&kept = mStatements[sql];
+    code = kept ? SQLITE_OK : sqlite3_prepare_v3(mDb, sql, -1, SQLITE_PREPARE_PERSISTENT, &kept, nullptr);
+    return kept;
+}
 
 LSTATUS store::Status(int code) const {
     switch (code & 0xff) {
@@ -134,12 +163,12 @@ LSTATUS store::Ready() {
 
 bool store::Exists(key_id key) {
     if (key == 0) return true;
-    statement s(mDb, "SELECT 1 FROM keys WHERE id = ?");
+    statement s(*this, "SELECT 1 FROM keys WHERE id = ?");
     return s.Bind(1, key).Step() == SQLITE_ROW;
 }
 
 LSTATUS store::Find(key_id parent, std::string const &name, key_id &id) {
-    statement s(mDb, "SELECT id FROM keys WHERE parent = ? AND folded = ?");
+    statement s(*this, "SELECT id FROM keys WHERE parent = ? AND folded = ?");
     int code = s.Bind(1, parent).Bind(2, Folded(name)).Step();
     if (code == SQLITE_ROW) {
         id = s.Int(0);
@@ -148,7 +177,16 @@ LSTATUS store::Find(key_id parent, std::string const &name, key_id &id) {
     return code == SQLITE_DONE ? LSTATUS(ERROR_FILE_NOT_FOUND) : Status(code);
 }
 
+// A key that is there is found without a write transaction; only a path
+// with keys to make takes one, and looks again inside it.
 LSTATUS store::Resolve(key_id base, std::string const &path, bool create, key_id &id, bool *created) {
+    if (create) {
+        LSTATUS found = Resolve(base, path, false, id, nullptr);
+        if (found != LSTATUS(ERROR_FILE_NOT_FOUND)) {
+            if (created) *created = false;
+            return found;
+        }
+    }
     std::lock_guard guard(mLock);
     LSTATUS status = Ready();
     if (status != 0) return status;
@@ -167,7 +205,7 @@ LSTATUS store::Resolve(key_id base, std::string const &path, bool create, key_id
         status = Find(id, part, next);
         made = false;
         if (status == LSTATUS(ERROR_FILE_NOT_FOUND) && create) {
-            statement insert(mDb, "INSERT INTO keys(parent, name, folded) VALUES (?, ?, ?)");
+            statement insert(*this, "INSERT INTO keys(parent, name, folded) VALUES (?, ?, ?)");
             status = Status(insert.Bind(1, id).Bind(2, part).Bind(3, Folded(part)).Step());
             next = sqlite3_last_insert_rowid(mDb);
             made = true;
@@ -185,7 +223,7 @@ LSTATUS store::Set(key_id key, value const &v) {
     std::lock_guard guard(mLock);
     LSTATUS status = Ready();
     if (status != 0) return status;
-    statement s(mDb,
+    statement s(*this,
                 "INSERT INTO vals(key, name, folded, type, data) SELECT ?1, ?2, ?3, ?4, ?5"
                 " WHERE ?1 = 0 OR EXISTS(SELECT 1 FROM keys WHERE id = ?1)"
                 " ON CONFLICT(key, folded) DO UPDATE SET name = excluded.name, type = excluded.type, data = excluded.data");
@@ -198,7 +236,7 @@ LSTATUS store::Get(key_id key, std::string const &name, value &v) {
     std::lock_guard guard(mLock);
     LSTATUS status = Ready();
     if (status != 0) return status;
-    statement s(mDb, "SELECT name, type, data FROM vals WHERE key = ? AND folded = ?");
+    statement s(*this, "SELECT name, type, data FROM vals WHERE key = ? AND folded = ?");
     int code = s.Bind(1, key).Bind(2, Folded(name)).Step();
     if (code == SQLITE_ROW) {
         v = value{s.Text(0), DWORD(s.Int(1)), s.Text(2)};
@@ -212,7 +250,7 @@ LSTATUS store::Delete(key_id key, std::string const &name) {
     std::lock_guard guard(mLock);
     LSTATUS status = Ready();
     if (status != 0) return status;
-    statement s(mDb, "DELETE FROM vals WHERE key = ? AND folded = ?");
+    statement s(*this, "DELETE FROM vals WHERE key = ? AND folded = ?");
     int code = s.Bind(1, key).Bind(2, Folded(name)).Step();
     if (code != SQLITE_DONE) return Status(code);
     return sqlite3_changes(mDb) ? LSTATUS(ERROR_SUCCESS) : LSTATUS(ERROR_FILE_NOT_FOUND);
@@ -225,15 +263,15 @@ LSTATUS store::DeleteKey(key_id key, std::string const &path) {
     if (target == 0) return LSTATUS(ERROR_ACCESS_DENIED);  // a root stays
     std::lock_guard guard(mLock);
     if ((status = Status(sqlite3_exec(mDb, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr))) != 0) return status;
-    statement children(mDb, "SELECT 1 FROM keys WHERE parent = ?");
+    statement children(*this, "SELECT 1 FROM keys WHERE parent = ?");
     int code = children.Bind(1, target).Step();
     if (code == SQLITE_ROW) {
         status = LSTATUS(ERROR_ACCESS_DENIED);
     } else if (code != SQLITE_DONE) {
         status = Status(code);
     } else {
-        statement values(mDb, "DELETE FROM vals WHERE key = ?");
-        statement self(mDb, "DELETE FROM keys WHERE id = ?");
+        statement values(*this, "DELETE FROM vals WHERE key = ?");
+        statement self(*this, "DELETE FROM keys WHERE id = ?");
         status = Status(values.Bind(1, target).Step());
         if (status == 0) status = Status(self.Bind(1, target).Step());
         if (status == 0 && sqlite3_changes(mDb) == 0) status = LSTATUS(ERROR_FILE_NOT_FOUND);
@@ -246,7 +284,7 @@ LSTATUS store::EnumValue(key_id key, DWORD index, value &v) {
     std::lock_guard guard(mLock);
     LSTATUS status = Ready();
     if (status != 0) return status;
-    statement s(mDb, "SELECT name, type, data FROM vals WHERE key = ? ORDER BY rowid LIMIT 1 OFFSET ?");
+    statement s(*this, "SELECT name, type, data FROM vals WHERE key = ? ORDER BY rowid LIMIT 1 OFFSET ?");
     int code = s.Bind(1, key).Bind(2, key_id(index)).Step();
     if (code == SQLITE_ROW) {
         v = value{s.Text(0), DWORD(s.Int(1)), s.Text(2)};
@@ -259,7 +297,7 @@ LSTATUS store::EnumKey(key_id key, DWORD index, std::string &name) {
     std::lock_guard guard(mLock);
     LSTATUS status = Ready();
     if (status != 0) return status;
-    statement s(mDb, "SELECT name FROM keys WHERE parent = ? ORDER BY id LIMIT 1 OFFSET ?");
+    statement s(*this, "SELECT name FROM keys WHERE parent = ? ORDER BY id LIMIT 1 OFFSET ?");
     int code = s.Bind(1, key).Bind(2, key_id(index)).Step();
     if (code == SQLITE_ROW) {
         name = s.Text(0);

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <mutex>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "qor/tools/platform/registry.h"
@@ -39,9 +40,13 @@ public:
     LSTATUS EnumKey(key_id key, DWORD index, std::string &name);
 
 private:
+    class statement;
+
     explicit store(std::string path) : mPath(std::move(path)) {}
     ~store();
 
+    // Kept by the address of its text (each a literal of this store's code).
+    sqlite3_stmt *Prepared(char const *sql, int &code);
     LSTATUS Ready();
     LSTATUS Status(int code) const;
     bool Exists(key_id key);
@@ -50,6 +55,7 @@ private:
     std::string mPath;
     sqlite3 *mDb = nullptr;
     LSTATUS mOpenStatus = -1;  // not tried yet
+    std::unordered_map<char const *, sqlite3_stmt *> mStatements;
     std::mutex mLock;
 };
 
