@@ -83,6 +83,13 @@ TEST(ReadmeTour, EverySnippetRuns) {
         EXPECT_EQ(qor::tools::gdiplus::image(u"card.png").Size().Width, 320);
     }
     {
+        ::setenv("QORTOOLS_REGISTRY_DIR", dir.Path().c_str(), 1);
+        qor::tools::system::registry::SetInteger(qor::tools::HKEY_CURRENT_USER, u"Software\\App", u"Width", 1024);
+        int width = qor::tools::system::registry::GetInteger(qor::tools::HKEY_CURRENT_USER, u"Software\\App", u"Width", 800);
+        EXPECT_EQ(width, 1024);
+        ::unsetenv("QORTOOLS_REGISTRY_DIR");
+    }
+    {
         qor::tools::graphic::circle c(qor::tools::graphic::pointd(0, 0), qor::tools::graphic::pointd(2, 0),
                                       qor::tools::graphic::pointd(1, 1));
         double area = c.Area();
