@@ -286,6 +286,11 @@ int command::RecordSetV(rset &out, char16_t const *format, va_list args) {
     out.Clear();
     if (!SelectV(format, args) || mRows < 1) return out.Size();
     unsigned char *block = out.Setup(*this, int(mRows));
+    if (!block) {
+        out.Clear();
+        mRowset->Release();
+        return 0;
+    }
     mRowset->RestartPosition();
     int size = RecordSize();
     for (int i = 0; i < int(mRows); ++i) {

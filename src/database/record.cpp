@@ -1,5 +1,7 @@
 #include "qor/tools/database/record.h"
 
+#include <cstdint>
+
 #include <cstring>
 
 namespace qor::tools::database {
@@ -114,10 +116,13 @@ rset &rset::operator=(rset const &other) {
     return *this;
 }
 
+// Null when the rows would not fit in one block (more than 2 GB).
 unsigned char *rset::Setup(record &source, int rows) {
     Clear();
     int size = source.RecordSize();
+    if (rows < 0 || size < 0 || std::int64_t(rows) * size > INT32_MAX) return nullptr;
     mRows.Size(rows * size, true);
+    if (rows > 0 && size > 0 && !mRows.Data()) return nullptr;
     Size(rows);
     unsigned char *start = mRows.Data();
     for (int i = 0; i < rows; ++i) Get(i).ReferenceRecord(source, start + std::size_t(i) * std::size_t(size));
