@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "../utf8.h"
+#include "drive_letters.h"
 
 namespace qor::tools::platform {
 
@@ -17,8 +18,19 @@ std::string PathBytes(char16_t const *path) {
         path += 2;
         n -= 2;
         if (n == 0) return "/";
+    } else if (n >= 2 && path[1] == u':' && ((path[0] >= u'A' && path[0] <= u'Z') || (path[0] >= u'a' && path[0] <= u'z'))) {
+        // Another letter reaches its mount point, when it has one.
+        std::string root = drives::MountPointOf(path[0]);
+        if (!root.empty()) {
+            path += 2;
+            n -= 2;
+            bytes = root == "/" ? std::string() : root;
+            if (n == 0) return root;
+        }
     }
-    detail::Utf16ToUtf8(path, n, bytes, detail::ill_formed::escape);
+    std::string rest;
+    detail::Utf16ToUtf8(path, n, rest, detail::ill_formed::escape);
+    bytes += rest;
     for (char &c : bytes) {
         if (c == '\\') c = '/';
     }
