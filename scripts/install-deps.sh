@@ -10,7 +10,7 @@ packages=(
   libxml2-dev libssl-dev libglib2.0-dev libgtk-3-dev libcairo2-dev
   libjpeg-dev libpng-dev libtiff-dev libgif-dev
   unixodbc-dev odbc-postgresql libsqliteodbc sqlite3 libsqlite3-dev postgresql
-  xvfb xauth xclip locales python3
+  xvfb xauth xclip dbus locales python3
   libimage-exiftool-perl exiv2 libvips-tools
   fonts-dejavu-core fonts-ipafont-gothic
 )

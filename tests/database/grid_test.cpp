@@ -40,21 +40,20 @@ protected:
 
 class Grid : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        sDir = new qt::temp_dir;
-        database::session db;
-        db.Driver(u"SQLite3");
-        ASSERT_TRUE(db.Open(u"embedded", sDir->Wide("grid.db").c_str(), u"tester", u""));
-        ASSERT_TRUE(db.Execute(u"create table photos(id integer primary key, name varchar(40), width integer)"));
-        ASSERT_TRUE(db.Execute(u"insert into photos with recursive n(i) as (select 0 union all select i + 1 from n "
-                               u"where i < 999999) select i, '写真 ' || i, i * 3 from n"));
-    }
-    static void TearDownTestSuite() { delete sDir; }
     void SetUp() override {
         if (!gtk_init_check(nullptr, nullptr)) GTEST_SKIP() << "no display";
         mOld = SetNoticeHook([](char16_t const *, char16_t const *, unsigned) { return IDOK; });
         mDb.Driver(u"SQLite3");
-        ASSERT_TRUE(mDb.Open(u"embedded", sDir->Wide("grid.db").c_str(), u"tester", u""));
+        ASSERT_TRUE(mDb.Open(u"embedded", mDir.Wide("grid.db").c_str(), u"tester", u""));
+        ASSERT_TRUE(mDb.Execute(u"create table photos(id integer primary key, name varchar(40), width integer)"));
+    }
+    // Rows 0 to count - 1: the name "写真 i" and the width 3i.
+    void Fill(int count) {
+        string sql;
+        sql.Format(u"insert into photos with recursive n(i) as (select 0 union all select i + 1 from n "
+                   u"where i < %d) select i, '写真 ' || i, i * 3 from n",
+                   count - 1);
+        ASSERT_TRUE(mDb.Execute(sql));
     }
     void TearDown() override { SetNoticeHook(mOld); }
 
@@ -70,16 +69,15 @@ protected:
         return text;
     }
 
-    static qt::temp_dir *sDir;
+    qt::temp_dir mDir;
     database::session mDb;
     notice_hook mOld;
 };
 
-qt::temp_dir *Grid::sDir = nullptr;
-
 }  // namespace
 
 TEST_F(Grid, AMillionRowsShowAndOnlyVisibleCellsAreAskedFor) {
+    Fill(kRows);
     counting_grid g;
     ASSERT_TRUE(g.Open(mDb, u"photos", false));
     Columns(g);
@@ -117,6 +115,7 @@ TEST_F(Grid, AMillionRowsShowAndOnlyVisibleCellsAreAskedFor) {
 }
 
 TEST_F(Grid, CellsFollowTheirPictureOrShowWideTextOnly) {
+    Fill(10);
     database::grid g;
     ASSERT_TRUE(g.Open(mDb, u"photos", false));
     Columns(g);
@@ -136,6 +135,7 @@ TEST_F(Grid, CellsFollowTheirPictureOrShowWideTextOnly) {
 }
 
 TEST_F(Grid, AFailingQueryShowsAnEmptyList) {
+    Fill(10);
     database::grid g;
     ASSERT_TRUE(g.Open(mDb, u"photos", false));
     Columns(g);
