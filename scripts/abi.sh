@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# The library's exported interface against the released one kept in
+# abi/libQorTools.so.1.abi (an abidw description of the public types).
+#   scripts/abi.sh check DIR    compares the libQorTools.so.1 packaged in DIR's
+#                               libqortools1 .deb; an incompatible change fails
+#   scripts/abi.sh update DIR   writes the description anew (at a release,
+#                               with the SONAME bumped if the change was incompatible)
+set -euo pipefail
+cd "$(dirname "$0")/.."
+mode=${1:?usage: scripts/abi.sh check|update DIR}
+dir=${2:?usage: scripts/abi.sh check|update DIR}
+unpacked="$dir/abi-unpacked"
+rm -rf "$unpacked"
+dpkg-deb -x "$dir"/libqortools1_*.deb "$unpacked"
+dbg=$(ls "$dir"/libqortools1-dbgsym_*.*deb 2>/dev/null | head -n 1 || true)
+[ -n "$dbg" ] && dpkg-deb -x "$dbg" "$unpacked"
+library=$(ls "$unpacked"/usr/lib/*/libQorTools.so.1.* | head -n 1)
+debug=("--debug-info-dir" "$unpacked/usr/lib/debug")
+headers=("--headers-dir" "include")
+stored=abi/libQorTools.so.1.abi
+if [ "$mode" = update ]; then
+  mkdir -p abi
+  abidw --no-corpus-path --no-show-locs "${debug[@]}" "${headers[@]}" --out-file "$stored" "$library"
+  echo "abi: written $stored"
+  exit 0
+fi
+set +e
+abidiff --no-show-locs --headers-dir2 include "${debug[@]/--debug-info-dir/--debug-info-dir2}" "$stored" "$library" >"$dir/abidiff.log" 2>&1
+rc=$?
+set -e
+cat "$dir/abidiff.log"
+# abidiff's status is a mask: 1 error, 2 usage, 4 a change, 8 an incompatible change.
+if [ $((rc & 11)) -ne 0 ]; then
+  echo "abi: the interface changed incompatibly (abidiff status $rc); bump the SONAME and run scripts/abi.sh update" >&2
+  exit 1
+fi
+echo "abi: compatible with the released interface (abidiff status $rc)"
