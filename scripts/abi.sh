@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The library's exported interface against the released one kept in
-# abi/libQorTools.so.1.abi (an abidw description of the public types).
+# abi/libQorTools.so.1.abi.xz (an abidw description of the public types).
 #   scripts/abi.sh check DIR    compares the libQorTools.so.1 packaged in DIR's
 #                               libqortools1 .deb; an incompatible change fails
 #   scripts/abi.sh update DIR   writes the description anew (at a release,
@@ -17,15 +17,17 @@ dbg=$(ls "$dir"/libqortools1-dbgsym_*.*deb 2>/dev/null | head -n 1 || true)
 library=$(ls "$unpacked"/usr/lib/*/libQorTools.so.1.* | head -n 1)
 debug=("--debug-info-dir" "$unpacked/usr/lib/debug")
 headers=("--headers-dir" "include")
-stored=abi/libQorTools.so.1.abi
+stored=abi/libQorTools.so.1.abi.xz
 if [ "$mode" = update ]; then
   mkdir -p abi
-  abidw --no-corpus-path --no-show-locs "${debug[@]}" "${headers[@]}" --out-file "$stored" "$library"
+  abidw --no-corpus-path --no-show-locs "${debug[@]}" "${headers[@]}" --out-file "$dir/released.abi" "$library"
+  xz -9 -c "$dir/released.abi" >"$stored"
   echo "abi: written $stored"
   exit 0
 fi
+xz -dc "$stored" >"$dir/released.abi"
 set +e
-abidiff --no-show-locs --headers-dir2 include "${debug[@]/--debug-info-dir/--debug-info-dir2}" "$stored" "$library" >"$dir/abidiff.log" 2>&1
+abidiff --no-show-locs --headers-dir2 include "${debug[@]/--debug-info-dir/--debug-info-dir2}" "$dir/released.abi" "$library" >"$dir/abidiff.log" 2>&1
 rc=$?
 set -e
 cat "$dir/abidiff.log"
