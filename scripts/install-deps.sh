@@ -12,7 +12,7 @@ packages=(
   unixodbc-dev odbc-postgresql libsqliteodbc sqlite3 libsqlite3-dev postgresql
   xvfb xauth xclip dbus locales python3
   libimage-exiftool-perl exiv2 libvips-tools
-  debhelper dpkg-dev fakeroot lintian abigail-tools xz-utils
+  debhelper dpkg-dev fakeroot lintian abigail-tools xz-utils doxygen
   fonts-dejavu-core fonts-ipafont-gothic
 )
 
