@@ -1,6 +1,7 @@
 // The snippets of the README's tour, as they stand there, compiled and run.
 #include <gtest/gtest.h>
 
+#include <gtk/gtk.h>
 #include <qor/tools.h>
 
 #include <unistd.h>
@@ -81,6 +82,22 @@ TEST(ReadmeTour, EverySnippetRuns) {
         card.Image().Save(u"card.png");
         qor::tools::gdiplus::factory::Instance()->Terminate();
         EXPECT_EQ(qor::tools::gdiplus::image(u"card.png").Size().Width, 320);
+    }
+    if (gtk_init_check(nullptr, nullptr)) {
+        qor::tools::database::session db;
+        db.Driver(u"SQLite3");
+        ASSERT_TRUE(db.Open(u"embedded", dir.Wide("grid.db").c_str(), u"app", u""));
+        ASSERT_TRUE(db.Execute(u"create table photos(name varchar(20), width integer)"));
+        ASSERT_TRUE(db.Execute(u"insert into photos values ('写真', 640)"));
+        GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+        qor::tools::database::grid list;
+        list.Open(db, u"photos", false);
+        list.InsertColumn(0, u"名前", qor::tools::LVCFMT_LEFT, u"name", nullptr, 200);
+        list.InsertColumn(1, u"幅", qor::tools::LVCFMT_RIGHT, u"width", u"*,***,**9", 80);
+        gtk_container_add(GTK_CONTAINER(window), list.Widget());
+        list.RecordSet(u"order by name");
+        EXPECT_EQ(list.GetItemCount(), 1);
+        gtk_widget_destroy(window);
     }
     {
         ::setenv("QORTOOLS_REGISTRY_DIR", dir.Path().c_str(), 1);
