@@ -13,7 +13,6 @@
 #include <string>
 #include <vector>
 
-#include "qor/tools/string_converter.h"
 #include "text_form.h"
 
 using namespace qor::tools;
@@ -25,16 +24,6 @@ int Usage() {
     std::cerr << "usage: qortools-registry [--root HKCU|HKLM|HKCR] list|get|set|delete|export [PATH [NAME [VALUE]]]\n"
                  "       qortools-registry import [FILE]\n";
     return 2;
-}
-
-std::u16string Wide(std::string const &utf8) {
-    string::converter c;
-    return c.Utf8(utf8.c_str());
-}
-
-std::string Narrow(char16_t const *wide) {
-    string::converter c;
-    return c.Utf8(wide);
 }
 
 int Failed(char const *what, LSTATUS status) {

@@ -18,16 +18,6 @@ root_name const kRoots[] = {
     {HKEY_CLASSES_ROOT, "HKEY_CLASSES_ROOT", "HKCR"},
 };
 
-std::u16string Wide(std::string const &utf8) {
-    string::converter c;
-    return c.Utf8(utf8.c_str());
-}
-
-std::string Narrow(std::u16string const &wide) {
-    string::converter c;
-    return c.Utf8(wide.c_str());
-}
-
 // The UTF-16 texts of a value's bytes, each with its terminator; false when
 // the bytes are not such texts (`multi` allows several and the final empty one).
 bool Texts(std::string const &bytes, bool multi, std::vector<std::string> &texts) {
@@ -44,7 +34,7 @@ bool Texts(std::string const &bytes, bool multi, std::vector<std::string> &texts
     for (;;) {
         std::size_t end = units.find(u'\0', start);
         if (!multi && end != std::u16string::npos) return false;
-        texts.push_back(Narrow(units.substr(start, end == std::u16string::npos ? std::u16string::npos : end - start)));
+        texts.push_back(Narrow(units.substr(start, end == std::u16string::npos ? std::u16string::npos : end - start).c_str()));
         if (end == std::u16string::npos) return true;
         start = end + 1;
     }
@@ -74,6 +64,16 @@ bool Hex(std::string const &text, std::string &bytes) {
 }
 
 }  // namespace
+
+std::u16string Wide(std::string const &utf8) {
+    string::converter c;
+    return c.Utf8(utf8.c_str());
+}
+
+std::string Narrow(char16_t const *wide) {
+    string::converter c;
+    return c.Utf8(wide);
+}
 
 root_name const *RootByName(std::string const &name) {
     for (root_name const &r : kRoots) {

@@ -30,6 +30,10 @@ struct root_name {
     char const *mShort;
 };
 
+// Names and texts between the command line's UTF-8 and the store's UTF-16.
+std::u16string Wide(std::string const &utf8);
+std::string Narrow(char16_t const *wide);
+
 // HKEY_CURRENT_USER / HKCU and the others; null when unknown.
 root_name const *RootByName(std::string const &name);
 root_name const &RootOf(HKEY key);

@@ -1,7 +1,6 @@
 // Export and import of the text form over the registry calls.
 #include <vector>
 
-#include "qor/tools/string_converter.h"
 #include "text_form.h"
 
 namespace qortools_registry {
@@ -9,16 +8,6 @@ namespace qortools_registry {
 using namespace qor::tools;
 
 namespace {
-
-std::u16string Wide(std::string const &utf8) {
-    string::converter c;
-    return c.Utf8(utf8.c_str());
-}
-
-std::string Narrow(char16_t const *wide) {
-    string::converter c;
-    return c.Utf8(wide);
-}
 
 bool ExportKey(HKEY root, std::string const &path, std::ostream &out) {
     HKEY key = nullptr;
