@@ -24,20 +24,19 @@ constexpr bool IsBlank(char16_t c, bool space, bool wide) noexcept {
 // Bounded length: the smaller of n and the length of s (s need not be terminated).
 int BoundedLength(char16_t const *s, int n) noexcept {
     if (!s || n < 1) return 0;
-    int i = 0;
-    while (i < n && s[i]) ++i;
-    return i;
+    return int(detail::ScanLength(s, std::size_t(n)));
 }
 
-// The first occurrence of the `ls` units of `s` in `text`: a vectorised scan
-// for the first two units, then a comparison of the rest, which stops at the
-// first unit that differs (a terminator always does).
-char16_t const *SearchText(char16_t const *text, char16_t const *s, int ls) noexcept {
-    if (ls == 1) return detail::ScanUnit(text, s[0]);
+// The first occurrence of the terminated text `s` in `text`: a vectorised
+// scan for the first two units, then a comparison of the rest up to the
+// terminator of `s`, which stops at the first unit that differs (the
+// terminator of `text` always does).
+inline __attribute__((always_inline)) char16_t const *SearchText(char16_t const *text, char16_t const *s) noexcept {
+    if (s[1] == 0) return detail::ScanUnit(text, s[0]);
     for (char16_t const *p = detail::ScanPair(text, s[0], s[1]); p; p = detail::ScanPair(p + 1, s[0], s[1])) {
         int k = 2;
-        while (k < ls && p[k] == s[k]) ++k;
-        if (k == ls) return p;
+        while (s[k] && p[k] == s[k]) ++k;
+        if (!s[k]) return p;
     }
     return nullptr;
 }
@@ -343,8 +342,8 @@ void string::_Replace(char16_t const *from, char16_t const *to, int start, int c
     int lf = Length(from), lt = Length(to);
     // One pass finds the matches (and so the text's end), one builds the text.
     matches found;
-    for (char16_t const *p = SearchText(mText + start, from, lf); p && found.Size() < count;
-         p = SearchText(p + lf, from, lf)) {
+    for (char16_t const *p = SearchText(mText + start, from); p && found.Size() < count;
+         p = SearchText(p + lf, from)) {
         found.Add(int(p - mText));
     }
     int treated = found.Size();
@@ -376,7 +375,7 @@ void string::_Replace(char16_t const *from, char16_t const *to, int start, int c
     int size = _Handle()->mSize;
     char16_t *cursor = mText + start;
     for (int i = 0; i < treated; ++i) {
-        char16_t const *match = SearchText(cursor, from, lf);
+        char16_t const *match = SearchText(cursor, from);
         if (!match) break;
         int at = int(match - mText);
         _Shift(mText, size, at + lf, lt - lf);
@@ -452,7 +451,7 @@ void string::_Remove(char16_t const *s, int start, int count) {
     int size = _Handle()->mSize;
     char16_t *from = mText + start;
     for (int i = 0; i < count; ++i) {
-        char16_t const *match = SearchText(from, s, ls);
+        char16_t const *match = SearchText(from, s);
         if (!match) break;
         _Remove(mText, size, int(match - mText), ls);
     }
@@ -648,7 +647,7 @@ int string::Length(char const *s) noexcept { return s ? int(std::strlen(s)) : 0;
 // The searches never measure the text first: they stop at its terminator.
 int string::Find(char16_t const *text, char16_t const *s, int start) noexcept {
     if (!text || !s || !*s || !Reaches(text, start)) return -1;
-    char16_t const *p = SearchText(text + start, s, Length(s));
+    char16_t const *p = SearchText(text + start, s);
     return p ? int(p - text) : -1;
 }
 
@@ -695,7 +694,7 @@ int string::FindReverse(char16_t const *text, char16_t c, int start) noexcept {
 int string::Count(char16_t const *text, char16_t const *s, int start) noexcept {
     if (!text || !s || !*s || !Reaches(text, start)) return 0;
     int ls = Length(s), n = 0;
-    for (char16_t const *p = SearchText(text + start, s, ls); p; p = SearchText(p + ls, s, ls)) ++n;
+    for (char16_t const *p = SearchText(text + start, s); p; p = SearchText(p + ls, s)) ++n;
     return n;
 }
 

@@ -114,30 +114,56 @@ QOR_SCAN inline char16_t const *ScanUnitBack(char16_t const *s, std::size_t n, c
     return nullptr;
 }
 
+// ScanPair from the 2-aligned `s` in aligned blocks: the pairs that straddle
+// two blocks are found by carrying the last unit's result of one block into
+// the next.
+QOR_SCAN inline char16_t const *ScanPairAligned(char16_t const *s, __m128i a, __m128i b) noexcept {
+    __m128i zero = _mm_setzero_si128();
+    unsigned skip;
+    char16_t const *block = BlockOf(s, skip);
+    unsigned carried = 0;  // the bits of unit 0 when the last unit of the block before was `a`
+    for (unsigned mask = skip;; mask = ~0u, block += 8) {
+        unsigned firsts = Equal(block, a) & mask, ends = Equal(block, zero) & mask;
+        unsigned seconds = Equal(block, b) & ((firsts << 2) | carried);  // each `b` right behind an `a`
+        if (ends) seconds &= (1u << FirstBit(ends)) - 1;  // only before the terminator
+        if (seconds) return block + FirstBit(seconds) / 2 - 1;
+        if (ends) return nullptr;
+        carried = (firsts >> 14) & 3;
+    }
+}
+
+// Bits of the units at `p` (eight, unaligned) that are `a` followed by `b`,
+// and in `ends` the bits of the terminators among them.
+QOR_SCAN inline unsigned PairBits(char16_t const *p, __m128i a, __m128i b, unsigned &ends) noexcept {
+    __m128i units = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
+    __m128i following = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p + 1));
+    ends = unsigned(_mm_movemask_epi8(_mm_cmpeq_epi16(units, _mm_setzero_si128())));
+    return unsigned(_mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi16(units, a), _mm_cmpeq_epi16(following, b))));
+}
+
 // The first place where `a` is followed by `b`, or null when the terminator
 // comes first (neither may be 0). Two units are compared at once, so that a
-// common first unit does not stop the scan at every turn. The loads are not
-// aligned (matches close together cost no setting up) but never cross a page.
+// common first unit does not stop the scan at every turn. Sixteen units a
+// round are loaded where `s` stands (a search that resumes right behind a
+// match costs no setting up); the loads never cross a page, and near a
+// page's end the scan goes on in aligned blocks.
 QOR_SCAN inline char16_t const *ScanPair(char16_t const *s, char16_t a, char16_t b) noexcept {
     constexpr std::uintptr_t kPage = 4096;
-    __m128i zero = _mm_setzero_si128(), first = _mm_set1_epi16(short(a)), second = _mm_set1_epi16(short(b));
-    for (char16_t const *p = s;;) {
-        if ((reinterpret_cast<std::uintptr_t>(p) & (kPage - 1)) > kPage - 18) {
-            // Near the end of a page: one unit at a time.
-            if (!p[0]) return nullptr;
-            if (p[0] == a && p[1] == b) return p;
-            ++p;
-            continue;
+    if (reinterpret_cast<std::uintptr_t>(s) & 1) {  // not even 2-aligned: no blocks of units
+        for (; *s; ++s) {
+            if (s[0] == a && s[1] == b) return s;
         }
-        __m128i units = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
-        __m128i following = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p + 1));
-        unsigned ends = unsigned(_mm_movemask_epi8(_mm_cmpeq_epi16(units, zero)));
-        unsigned hits = unsigned(_mm_movemask_epi8(
-            _mm_and_si128(_mm_cmpeq_epi16(units, first), _mm_cmpeq_epi16(following, second))));
-        if (ends) hits &= (1u << __builtin_ctz(ends)) - 1;  // only before the terminator
-        if (hits) return p + __builtin_ctz(hits) / 2;
-        if (ends) return nullptr;
-        p += 8;
+        return nullptr;
+    }
+    __m128i first = _mm_set1_epi16(short(a)), second = _mm_set1_epi16(short(b));
+    for (char16_t const *p = s;; p += 16) {
+        if ((reinterpret_cast<std::uintptr_t>(p) & (kPage - 1)) > kPage - 34) return ScanPairAligned(p, first, second);
+        for (int i = 0; i < 16; i += 8) {
+            unsigned ends, hits = PairBits(p + i, first, second, ends);
+            if (ends) hits &= (1u << FirstBit(ends)) - 1;  // only before the terminator
+            if (hits) return p + i + FirstBit(hits) / 2;
+            if (ends) return nullptr;
+        }
     }
 }
 

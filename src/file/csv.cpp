@@ -9,6 +9,7 @@
 #include "platform/text_codec.h"
 #include "qor/tools/exception.h"
 #include "qor/tools/string_converter.h"
+#include "text_scan.h"
 #include "tokenize.h"
 
 namespace qor::tools::file {
@@ -17,6 +18,15 @@ namespace {
 
 constexpr char16_t kCellDelimiters[] = u",\t\n";
 constexpr std::size_t kChunk = 1 << 16;
+
+// The first `c` of `text` at or after `from`, or npos. The text must be
+// followed by a NUL in memory: the scan runs eight units at a time up to it.
+std::size_t FindUnit(std::u16string_view text, char16_t c, std::size_t from) {
+    if (from >= text.size()) return std::u16string_view::npos;
+    char16_t const *p = detail::ScanUnit(text.data() + from, c);
+    if (!p || p >= text.data() + text.size()) return std::u16string_view::npos;
+    return std::size_t(p - text.data());
+}
 
 }  // namespace
 
@@ -77,20 +87,19 @@ void csv::LoadUnicode(char16_t const *path) {
     if (!platform::ReadWhole(path, bytes, read, 2, 2 * sizeof(char16_t))) throw exception(u"csv::LoadUnicodeError");
     if (size < 2) throw std::invalid_argument("csv::LoadUnicode: a text buffer of negative length");
     auto const *units = reinterpret_cast<char16_t const *>(bytes.get());
-    std::u16string_view text(units, std::size_t(string::Length(units)) < read / 2 ? std::size_t(string::Length(units))
-                                                                                    : read / 2);
+    std::u16string_view text(units, detail::ScanLength(units, read / 2));
 
     // A line ends at a CR, behind which one unit (the LF) is skipped; when no
     // CR follows at all it ends at an LF, and then starts one unit early.
     long long length = (long long)text.size(), s = 0;
     std::vector<span> lines;
     lines.reserve(std::size_t(length / 32));
-    std::size_t nextCr = text.find(u'\r');  // kept, so that LF files are read in linear time
+    std::size_t nextCr = FindUnit(text, u'\r', 0);  // kept, so that LF files are read in linear time
     while (s < length) {
-        if (nextCr != text.npos && nextCr < std::size_t(s)) nextCr = text.find(u'\r', std::size_t(s));
+        if (nextCr != text.npos && nextCr < std::size_t(s)) nextCr = FindUnit(text, u'\r', std::size_t(s));
         std::size_t found = nextCr;
         if (found == text.npos) {
-            found = text.find(u'\n', std::size_t(s));
+            found = FindUnit(text, u'\n', std::size_t(s));
             if (found == text.npos) break;
             --s;
         }

@@ -99,6 +99,10 @@ TEST_F(Csv, UnicodeLineRules) {
     EXPECT_EQ(endsInCr.Rows(), 1);
     csv nul = load(std::u16string(u"a,b\r\n") + u'\0' + u"c\r\n");
     EXPECT_EQ(nul.Rows(), 1);
+    mDir.Write("odd.csv", "\xFF\xFE" + Utf16(u"a\r\nb,") + "\x0D");  // a last odd byte is no unit, no CR
+    csv odd;
+    odd.LoadUnicode(mDir.Wide("odd.csv").c_str());
+    EXPECT_EQ(odd.Rows(), 1);
     mDir.Write("noBom.csv", Utf16(u"xa,b\r\n"));
     csv noBom;
     noBom.LoadUnicode(mDir.Wide("noBom.csv").c_str());  // the first character is taken for a mark
