@@ -41,6 +41,34 @@ inline __attribute__((always_inline)) char16_t const *SearchText(char16_t const 
     return nullptr;
 }
 
+// Copies n units between blocks that do not overlap. The pieces of a
+// replacement are mostly a few units long: up to sixteen they are moved by
+// two loads and two stores that may overlap, without a call.
+template <typename Word>
+inline void CopyEnds(char16_t *dst, char16_t const *src, std::size_t bytes) noexcept {
+    Word head, tail;
+    std::memcpy(&head, src, sizeof head);
+    std::memcpy(&tail, reinterpret_cast<char const *>(src) + bytes - sizeof tail, sizeof tail);
+    std::memcpy(dst, &head, sizeof head);
+    std::memcpy(reinterpret_cast<char *>(dst) + bytes - sizeof tail, &tail, sizeof tail);
+}
+
+inline void CopyShort(char16_t *dst, char16_t const *src, int n) noexcept {
+    if (n <= 0) return;
+    std::size_t bytes = std::size_t(n) * sizeof(char16_t);
+    if (bytes > 32) {
+        std::memcpy(dst, src, bytes);
+    } else if (bytes > 16) {
+        CopyEnds<__uint128_t>(dst, src, bytes);
+    } else if (bytes > 8) {
+        CopyEnds<std::uint64_t>(dst, src, bytes);
+    } else if (bytes > 4) {
+        CopyEnds<std::uint32_t>(dst, src, bytes);
+    } else {
+        CopyEnds<std::uint16_t>(dst, src, bytes);
+    }
+}
+
 // Positions of matches: the first few without an allocation.
 class matches {
 public:
@@ -362,9 +390,9 @@ void string::_Replace(char16_t const *from, char16_t const *to, int start, int c
         char16_t *dst = mText;
         int done = 0;
         for (int i = 0; i < treated; ++i) {
-            _Copy(dst, src + done, found[i] - done);
+            CopyShort(dst, src + done, found[i] - done);
             dst += found[i] - done;
-            _Copy(dst, to, lt);
+            CopyShort(dst, to, lt);
             dst += lt;
             done = found[i] + lf;
         }
