@@ -4,12 +4,70 @@
 The headers are commented in plain // lines. For the reference, the comment
 that opens a header becomes the description of the class the file is named
 after (or of the file, when no such class is declared), and every other
-comment line before a declaration becomes a documentation comment. The
-headers themselves stay as they are.
+comment line before a declaration becomes a documentation comment. A comment
+above a run of declarations (up to the next blank line) speaks for the whole
+run, as in the headers: the run becomes a member group whose members share it.
+The headers themselves stay as they are.
 """
 import os
 import re
 import sys
+
+COMMENT = re.compile(r"^(\s*)// ?(.*)$")
+TYPE_START = re.compile(r"^\s*(template\s*<.*>\s*)?(class|struct|union|namespace|enum)\b")
+ACCESS = re.compile(r"^\s*(public|protected|private)\s*:")
+
+
+def depth_change(line):
+    code = re.sub(r"//.*$", "", line)
+    code = re.sub(r'"([^"\\]|\\.)*"', '""', code)
+    code = re.sub(r"'([^'\\]|\\.)*'", "''", code)
+    return code.count("{") - code.count("}")
+
+
+def run_end(lines, start):
+    """The index past a run of declarations that starts at `start`: it ends at
+    a blank line, a comment or an access label at the depth it began."""
+    depth = 0
+    i = start
+    while i < len(lines):
+        line = lines[i]
+        if depth == 0 and i > start and (not line.strip() or COMMENT.match(line) or ACCESS.match(line)):
+            break
+        depth += depth_change(line)
+        i += 1
+        if depth < 0:
+            return None  # the run closes a scope that it did not open: no group
+    return i if depth == 0 else None
+
+
+def body(lines):
+    out = []
+    i = 0
+    while i < len(lines):
+        m = COMMENT.match(lines[i])
+        if not m:
+            out.append(lines[i])
+            i += 1
+            continue
+        block = []
+        while i < len(lines) and COMMENT.match(lines[i]):
+            indent, text = COMMENT.match(lines[i]).groups()
+            block.append("%s/// %s" % (indent, text))
+            i += 1
+        end = None
+        if i < len(lines) and lines[i].strip() and not TYPE_START.match(lines[i]) and not ACCESS.match(lines[i]):
+            end = run_end(lines, i)
+        if end is None or end - i < 2:
+            out.extend(block)
+            continue
+        indent = COMMENT.match(block[0].replace("///", "//", 1)).group(1)
+        out.append(indent + "///@{")
+        out.extend(block)
+        out.extend(lines[i:end])
+        out.append(indent + "///@}")
+        i = end
+    return out
 
 
 def main(path):
@@ -33,8 +91,7 @@ def main(path):
         out.append("/** %s" % target)
         out.extend(" * " + l for l in opening)
         out.append(" */")
-    for line in lines[i:]:
-        out.append(re.sub(r"^(\s*)// ", r"\1/// ", line))
+    out.extend(body(lines[i:]))
     sys.stdout.write("\n".join(out))
 
 
