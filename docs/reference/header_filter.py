@@ -7,7 +7,8 @@ after (or of the file, when no such class is declared), and every other
 comment line before a declaration becomes a documentation comment. A comment
 above a run of declarations (up to the next blank line) speaks for the whole
 run, as in the headers: the run becomes a member group whose members share it.
-The headers themselves stay as they are.
+Protected and private sections are the classes' inside, left out of the
+reference. The headers themselves stay as they are.
 """
 import os
 import re
@@ -70,6 +71,34 @@ def body(lines):
     return out
 
 
+TRAILING = re.compile(r"^(\s*[^/\s].*?;)\s+// (.*)$")
+
+
+def trailing(lines):
+    """A comment behind a declaration on its own line documents that member."""
+    return [TRAILING.sub(r"\1  ///< \2", line) for line in lines]
+
+
+def hide_inside(lines):
+    """Wraps each protected or private section in @cond ... @endcond: up to
+    the next access label at its indent, or the end of its class."""
+    out = []
+    hidden = None  # the indent of the label that opened the hidden section
+    for line in lines:
+        label = ACCESS.match(line)
+        indent = len(line) - len(line.lstrip(" "))
+        if hidden is not None and indent == hidden and (label or re.match(r"^\s*};", line)):
+            out.append(" " * indent + "/// @endcond")
+            hidden = None
+        if hidden is None and label and label.group(1) != "public":
+            out.append(line)
+            out.append(" " * indent + "/// @cond INSIDE")
+            hidden = indent
+            continue
+        out.append(line)
+    return out
+
+
 def main(path):
     with open(path, encoding="utf-8") as f:
         lines = f.read().split("\n")
@@ -91,7 +120,7 @@ def main(path):
         out.append("/** %s" % target)
         out.extend(" * " + l for l in opening)
         out.append(" */")
-    out.extend(body(lines[i:]))
+    out.extend(hide_inside(body(trailing(lines[i:]))))
     sys.stdout.write("\n".join(out))
 
 

@@ -24,16 +24,20 @@ namespace qor::tools::container {
 
 namespace base {
 
+// The body of an array: the block, its size, capacity and growth step.
 template <typename T, typename P>
 class array : public _elem<T *, P> {
 public:
+    // Bodies are made empty by their handle and never copied.
     array() noexcept = default;
     array(array const &) = delete;
     array &operator=(array const &) = delete;
     ~array() override { Release(); }
 
+    // A position in the block, moved one element at a time.
     class iterator {
     public:
+        // At `index` of `body`; IsValid says whether an element stands there.
         iterator(array *body, int index) noexcept : mBody(body), mIndex(index) {}
         virtual ~iterator() = default;
         bool IsValid() const noexcept { return mBody && mIndex >= 0 && mIndex < mBody->mSize; }
@@ -47,9 +51,11 @@ public:
         int mIndex;
     };
 
+    // Gives back the elements from `from` on (the size stays).
     void Destroy(int from) {
         for (int i = from; i < mSize; ++i) P::Destroy(this->mElement[i], this->Reference());
     }
+    // Gives back every element and frees the block.
     void Release() {
         Destroy(0);
         P::FreeBlock(this->mElement);
@@ -73,36 +79,45 @@ public:
         int wanted = (needed + mGrowup - 1) / mGrowup * mGrowup;
         return wanted > mCapacity ? Regrow(wanted) : nullptr;
     }
+    // Whether `p` points at one of the elements.
     bool Holds(T const *p) const noexcept { return p >= this->mElement && p < this->mElement + mSize; }
 
-    int mSize = 0;
-    int mCapacity = 0;
-    int mGrowup = 10;
+    int mSize = 0;       // elements in use
+    int mCapacity = 0;   // slots of the block
+    int mGrowup = 10;    // the growth step
 };
 
 }  // namespace base
 
+// The handle that array and set share: every operation works on the body, so
+// all handles on it see the change.
 template <typename T, typename P>
 class _array : public base::_base<base::array<T, P>> {
     using body = base::array<T, P>;
 
 public:
+    // A position in the array (Iterator() gives one).
     class iterator : public body::iterator {
     public:
         using body::iterator::iterator;
     };
 
+    // `size` default-made elements, growing by `growup`; `reference` sets the
+    // mark, so that the elements are not given back.
     explicit _array(int size = 0, int growup = 10, bool reference = false) {
         this->mBody->Reference(reference);
         this->mBody->mGrowup = growup < 1 ? 1 : growup;
         Size(size);
     }
+    // Copies share the elements.
     _array(_array const &other) noexcept : base::_base<body>(other) {}
     _array &operator=(_array const &other) noexcept {
         base::_base<body>::operator=(other);
         return *this;
     }
 
+    // The number of elements, the slots of the block, the growth step, and
+    // whether there is no element.
     int Size() const noexcept { return this->mBody->mSize; }
     int Capacity() const noexcept { return this->mBody->mCapacity; }
     int Growup() const noexcept { return this->mBody->mGrowup; }
@@ -143,6 +158,8 @@ public:
         return b.mSize;
     }
 
+    // Appends a copy of `value` (which may be an element of this array); the
+    // new element's index.
     int Add(T const &value) {
         body &b = *this->mBody;
         if (b.Holds(&value)) {
@@ -188,14 +205,18 @@ public:
         return b.mSize;
     }
 
+    // Gives back every element and the block.
     void Release() { this->mBody->Release(); }
 
+    // The element at `index` (not checked), its address, the block, and the
+    // element `back` places before the last.
     T &Get(int index) const noexcept { return this->mBody->mElement[index]; }
     T &operator[](int index) const noexcept { return this->mBody->mElement[index]; }
     T *Offset(int index) const noexcept { return this->mBody->mElement + index; }
     operator T *() const noexcept { return this->mBody->mElement; }
     T &Last(int back = 0) const noexcept { return this->mBody->mElement[this->mBody->mSize - 1 - back]; }
 
+    // The index of the first element equal to `value` from `start`, or -1.
     int Find(T const &value, int start = 0) const {
         body const &b = *this->mBody;
         for (int i = start < 0 ? 0 : start; i < b.mSize; ++i) {
@@ -204,9 +225,11 @@ public:
         return -1;
     }
 
+    // An iterator at `index`, or at the first (true) or last (false) element.
     iterator Iterator(int index) const noexcept { return iterator(this->mBody, index); }
     iterator Iterator(bool first) const noexcept { return iterator(this->mBody, first ? 0 : Size() - 1); }
 
+    // The body's mark: while set, elements are not given back.
     bool Reference() const noexcept { return this->mBody->Reference(); }
     void Reference(bool reference) noexcept { this->mBody->Reference(reference); }
 
@@ -218,6 +241,7 @@ public:
 template <typename T, typename P = pif::array::object>
 class array : public _array<T, P> {
 public:
+    // `size` default-made elements, growing by `growup`.
     explicit array(int size = 0, int growup = 10) : _array<T, P>(size, growup, false) {}
     array(array const &) = default;
     array &operator=(array const &) = default;
@@ -227,6 +251,7 @@ public:
 template <typename T, typename P = pif::set::object>
 class set : public _array<T *, P> {
 public:
+    // `size` null pointers, growing by `growup`; `reference`: nothing is deleted.
     explicit set(int size = 0, int growup = 10, bool reference = false) : _array<T *, P>(size, growup, reference) {}
     set(set const &) = default;
     set &operator=(set const &) = default;
