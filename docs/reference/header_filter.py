@@ -28,12 +28,14 @@ def depth_change(line):
 
 def run_end(lines, start):
     """The index past a run of declarations that starts at `start`: it ends at
-    a blank line, a comment or an access label at the depth it began."""
+    a blank line, a comment, an access label or the end of the scope, at the
+    depth it began."""
     depth = 0
     i = start
     while i < len(lines):
         line = lines[i]
-        if depth == 0 and i > start and (not line.strip() or COMMENT.match(line) or ACCESS.match(line)):
+        if depth == 0 and i > start and (not line.strip() or COMMENT.match(line) or ACCESS.match(line)
+                                         or line.lstrip().startswith("}")):
             break
         depth += depth_change(line)
         i += 1
