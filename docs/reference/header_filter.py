@@ -61,7 +61,7 @@ def body(lines):
         end = None
         if i < len(lines) and lines[i].strip() and not TYPE_START.match(lines[i]) and not ACCESS.match(lines[i]):
             end = run_end(lines, i)
-        if end is None or end - i < 2:
+        if end is None or end - i < 1:
             out.extend(block)
             continue
         indent = COMMENT.match(block[0].replace("///", "//", 1)).group(1)

@@ -25,10 +25,12 @@ public:
     // One column's description.
     class info {
     public:
+        // A plain value: copied member by member.
         info() = default;
         info(info const &) = default;
         info &operator=(info const &) = default;
 
+        // The value slot and the status slot of this column in a row.
         void *Field(unsigned char const *record) const noexcept {
             return const_cast<unsigned char *>(record) + mOffset;
         }
@@ -39,25 +41,30 @@ public:
         void *Length(unsigned char const *record) const noexcept {
             return (mKind & kLength) ? const_cast<unsigned char *>(record) + mOffset + mSize + 4 : nullptr;
         }
+        // Whether the column may not be written.
         bool IsReadOnly() const noexcept {
             return (mFlags & (DBCOLUMNFLAGS_WRITE | DBCOLUMNFLAGS_WRITEUNKNOWN)) == 0;
         }
 
+        // Bits of mKind: the column has a length slot, is a blob, holds an
+        // interface pointer.
         static constexpr std::uint32_t kLength = 1, kBlob = 2, kUnknown = 4;
 
-        std::int32_t mIndex = -1;
-        string mName;
-        std::int32_t mOrdinal = 0;
-        std::uint16_t mType = 0;
-        std::uint32_t mSize = 0;
-        std::int32_t mOffset = 0;
-        std::uint32_t mFlags = 0;
-        std::uint8_t mPrecision = 0;
-        std::uint8_t mScale = 0;
-        DBOBJECT mObject{};
-        std::uint32_t mKind = 0;
+        std::int32_t mIndex = -1;   // position in the column set, from 0
+        string mName;               // the column's name
+        std::int32_t mOrdinal = 0;  // the database's column number
+        std::uint16_t mType = 0;    // DBTYPE_ value
+        std::uint32_t mSize = 0;    // bytes of the value slot
+        std::int32_t mOffset = 0;   // where the value slot starts in a row
+        std::uint32_t mFlags = 0;   // DBCOLUMNFLAGS_ bits
+        std::uint8_t mPrecision = 0;  // digits of a numeric column
+        std::uint8_t mScale = 0;      // digits behind the point
+        DBOBJECT mObject{};         // the interface a blob column is read through
+        std::uint32_t mKind = 0;    // kLength, kBlob, kUnknown
     };
 
+    // No columns; the columns of `table` read through `s`; or those that a
+    // result describes. Copies share nothing but are plain copies.
     column() = default;
     column(session &s, char16_t const *table);
     column(unsigned long count, tagDBCOLUMNINFO *columns);
@@ -65,9 +72,14 @@ public:
     column &operator=(column const &) = default;
     virtual ~column() = default;
 
+    // A column by index (not checked) or by name (null when missing), and
+    // whether the name exists.
     info *Info(int index) const noexcept { return mInfos[index]; }
     info *Info(char16_t const *name) const { return mIndexByName.Find(string(name)); }
     bool IsInfo(char16_t const *name) const { return Info(name) != nullptr; }
+    // The number of columns, the bytes of a row, the numbers of blob and
+    // interface columns, whether some column is read-only, the table's name
+    // and its primary key columns (comma-separated).
     int Columns() const noexcept { return mInfos.Size(); }
     int RecordSize() const noexcept { return mRecordSize; }
     int Blob() const noexcept { return mBlob; }
@@ -75,6 +87,7 @@ public:
     bool IsUseReadOnly() const noexcept { return mUseReadOnly; }
     string const &TableName() const noexcept { return mTableName; }
     string const &PrimaryKeys() const noexcept { return mPrimaryKeys; }
+    // The bindings of every column to its slots in a row.
     void CreateBindData(container::array<tagDBBINDING, container::pif::array::object> &bindings) const;
 
 protected:
