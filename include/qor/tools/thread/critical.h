@@ -17,11 +17,13 @@ namespace qor::tools::thread {
 
 class QOR_TOOLS_API critical {
 public:
+    // A new, unlocked critical; a copy is another new one.
     critical() = default;
     critical(critical const &) noexcept {}
     critical &operator=(critical const &) noexcept { return *this; }
     virtual ~critical() = default;
 
+    // Enters (again, when this thread holds it) and leaves.
     void Lock();
     void Unlock();
 
@@ -29,6 +31,7 @@ public:
     // exception leaves the lock held.
     class guard {
     public:
+        // Locks `c` until the guard ends.
         explicit guard(critical &c) : mCritical(c) { mCritical.Lock(); }
         guard(guard const &) = delete;
         guard &operator=(guard const &) = delete;

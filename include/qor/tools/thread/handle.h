@@ -11,6 +11,9 @@ namespace qor::tools::thread {
 
 class QOR_TOOLS_API handle {
 public:
+    // Holds `h` (none by default); it is closed when the holder ends. Copies
+    // hold the same value and are for handing over: closing twice is refused
+    // harmlessly.
     handle() noexcept = default;
     explicit handle(void *h) noexcept : mHandle(h) {}
     handle(handle const &other) noexcept = default;
@@ -22,10 +25,12 @@ public:
     }
     virtual ~handle() { Close(); }
 
+    // Whether the stored value is `h`.
     bool operator==(void *h) const noexcept { return mHandle == h; }
     bool operator!=(void *h) const noexcept { return mHandle != h; }
     // The stored value, for calls that wait on it or fill it.
     operator void *&() const noexcept { return const_cast<void *&>(mHandle); }
+    // Closes the handle (if any) and forgets it.
     void Close() noexcept {
         if (mHandle) CloseHandle(mHandle);
         mHandle = nullptr;

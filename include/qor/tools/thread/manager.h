@@ -21,6 +21,9 @@ namespace qor::tools::thread {
 
 class QOR_TOOLS_API manager {
 public:
+    // A manager with no worker; Terminate ends them all when it goes. Copies
+    // share nothing but the list's pointers: keep one manager per set of
+    // workers.
     manager();
     manager(manager const &) = default;
     manager &operator=(manager const &) = default;
@@ -38,6 +41,11 @@ public:
         return w;
     }
 
+    // The worker of that name (null when none) and the number of workers.
+    // Terminate ends and deletes every worker, Unregist the one of that name,
+    // each waiting for its thread; Broadcast gives every worker but the
+    // sender a copy of `m` and deletes it; Send queues `m` for the worker of
+    // that name (nothing is done, and `m` is not deleted, when there is none).
     worker *Find(char16_t const *name) const;
     int Count() const;
     virtual void Terminate();

@@ -11,6 +11,7 @@ class worker;
 
 class QOR_TOOLS_API message {
 public:
+    // A message numbered `id` from `from`; copies carry both.
     explicit message(unsigned long id = 0, worker *from = nullptr) noexcept : mWorker(from), mId(id) {}
     explicit message(int id, worker *from = nullptr) noexcept : message(static_cast<unsigned long>(id), from) {}
     message(message const &) noexcept = default;
@@ -18,8 +19,8 @@ public:
     message &operator=(message const &) noexcept = default;
     virtual ~message() = default;
 
-    worker *mWorker;
-    unsigned long mId;
+    worker *mWorker;     // the sender (set by Send and Broadcast)
+    unsigned long mId;   // the message's number
 };
 
 }  // namespace qor::tools::thread

@@ -12,6 +12,8 @@ namespace qor::tools::thread {
 
 class QOR_TOOLS_API mutex : public handle {
 public:
+    // No mutex yet, or a new one (owned by this thread when `owner`); a name
+    // shares it with other holders of the name. Copies are for handing over.
     mutex() noexcept = default;
     explicit mutex(char16_t const *name, bool owner = false, _SECURITY_ATTRIBUTES *security = nullptr)
         : handle(CreateMutexW(security, owner, name)) {}

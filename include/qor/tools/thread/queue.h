@@ -43,8 +43,8 @@ public:
         return container::sptr<T>(Peek(), true);
     }
 
-    event mEvent;
-    critical mLock;
+    event mEvent;    // signalled while a message waits
+    critical mLock;  // guards the line and the event together
 };
 
 }  // namespace qor::tools::thread

@@ -17,21 +17,26 @@ namespace qor::tools::thread {
 
 class QOR_TOOLS_API timer : public event {
 public:
+    // A timer is an event that the timer service sets; not running at first.
     timer() : event(false, true) {}
     timer(timer const &) noexcept = default;
     timer &operator=(timer const &) noexcept = default;
 
+    // Sets (or pulses) the event after `delay` milliseconds, every `delay`
+    // milliseconds when `periodic`.
     void Set(int delay, bool periodic = true, bool pulse = false, int resolution = 1) {
         unsigned flags = (pulse ? TIME_CALLBACK_EVENT_PULSE : TIME_CALLBACK_EVENT_SET) |
                          (periodic ? TIME_PERIODIC : TIME_ONESHOT);
         mTimer = timeSetEvent(unsigned(delay), unsigned(resolution), mHandle, 0, flags);
     }
+    // Stops the timer and resets the event.
     void Kill() {
         if (mTimer == 0) return;
         Reset();
         timeKillEvent(mTimer);
         mTimer = 0;
     }
+    // Whether the timer runs; the resolution requests (accepted, no effect).
     bool IsSet() const noexcept { return mTimer != 0; }
     static void BeginPeriod(unsigned int period) { timeBeginPeriod(period); }
     static void EndPeriod(unsigned int period) { timeEndPeriod(period); }

@@ -39,6 +39,7 @@ public:
     class function {
     public:
         virtual ~function() = default;
+        // One pass of the routine for the worker `w`.
         virtual void Run(worker *w) = 0;
     };
 
@@ -46,8 +47,10 @@ public:
     template <typename T>
     class functionT : public function {
     public:
+        // Calls `routine`, or `method` on `object`.
         explicit functionT(void (*routine)(worker *)) : mRoutine(routine) {}
         functionT(container::sptr<T> object, void (T::*method)(worker *)) : mObject(object), mMethod(method) {}
+        // Calls the member function when there is an object, else the routine.
         void Run(worker *w) override {
             if (!mObject.IsEmpty()) {
                 (mObject.Get()->*mMethod)(w);
@@ -62,16 +65,27 @@ public:
     };
 
     virtual ~worker();
+    // Control: End asks the thread to leave (for good), Start lets the
+    // routine run, Stop pauses it between passes. IsAlive: End was not
+    // asked; IsStart: alive and started.
     virtual void End();
     virtual void Start();
     virtual void Stop();
     virtual bool IsAlive() const;
     virtual bool IsStart() const;
+    // Suspends or resumes the thread (from any thread, itself included); the
+    // previous suspend count, as the platform's calls answer it.
     virtual DWORD Resume();
     virtual DWORD Suspend();
+    // Messages: to every other worker, or to the one of that name (a dead
+    // sender's message is deleted). Message takes the first waiting message
+    // (`take`) or looks at it; empty when there is none.
     virtual void Broadcast(message *m);
     virtual void Send(char16_t const *name, message *m);
     virtual container::sptr<message> Message(bool take);
+    // Waits up to `ms` for mEnd (0), mStop (1), a message (2) or one of the
+    // given handles (3 on), the lowest index first; WAIT_TIMEOUT or
+    // WAIT_FAILED otherwise.
     virtual DWORD Wait(container::array<void *, container::pif::array::object> &handles, unsigned long ms);
     virtual DWORD Wait(void *h1, void *h2, void *h3, void *h4, void *h5, unsigned long ms);
     virtual DWORD Wait(void *h1, void *h2, void *h3, void *h4, unsigned long ms);
@@ -80,6 +94,8 @@ public:
     virtual DWORD Wait(void *h1, unsigned long ms);
     virtual DWORD Wait(unsigned long ms);
 
+    // The manager, the routine, the last Wait's result, the name, and the
+    // thread's id and handle.
     manager *Manager() const noexcept { return mManager; }
     function *Function() const noexcept { return mFunction.Get(); }
     DWORD LastEvent() const noexcept { return mLastEvent.load(); }
