@@ -32,8 +32,10 @@ public:
         int mCount;  // number of strings sharing the block
     };
     class converter;
+    // What Tokenize answers: the pieces of a text.
     using tokens = container::array<string, container::pif::array::object>;
 
+    // "As many as there are", for counts and lengths.
     static constexpr int kAll = 0x7fffffff;
 
     // Construction.
@@ -90,6 +92,7 @@ public:
     int CompareNoCase(string const &s, int n) const { return CompareNoCase(mText, s.mText, n); }
     int CompareNoCase(char16_t const *s, int n) const { return CompareNoCase(mText, s, n); }
 
+    // Comparisons by Compare (unit by unit; null and empty are equal).
     bool operator==(string const &s) const { return Compare(s) == 0; }
     bool operator!=(string const &s) const { return Compare(s) != 0; }
     bool operator<(string const &s) const { return Compare(s) < 0; }
@@ -182,7 +185,7 @@ public:
     static int Count(char16_t const *text, char16_t c, int start = 0) noexcept;
     static int Matching(char16_t const *text, char16_t const **list, int count) noexcept;
 
-    static char16_t const kEmpty[1];
+    static char16_t const kEmpty[1];  // the empty text that Safe answers for null
 
 private:
     HANDLE *_Handle() const noexcept { return reinterpret_cast<HANDLE *>(mText) - 1; }
