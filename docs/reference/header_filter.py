@@ -16,6 +16,7 @@ import sys
 
 COMMENT = re.compile(r"^(\s*)// ?(.*)$")
 TYPE_START = re.compile(r"^\s*(template\s*<.*>\s*)?(class|struct|union|namespace|enum)\b")
+TEMPLATE = re.compile(r"^\s*template\s*<.*>\s*$")
 ACCESS = re.compile(r"^\s*(public|protected|private)\s*:")
 
 
@@ -24,6 +25,14 @@ def depth_change(line):
     code = re.sub(r'"([^"\\]|\\.)*"', '""', code)
     code = re.sub(r"'([^'\\]|\\.)*'", "''", code)
     return code.count("{") - code.count("}")
+
+
+def starts_type(lines, i):
+    """Whether a class, struct, union, enum or namespace begins at line i
+    (its template head may stand on the line before)."""
+    if TYPE_START.match(lines[i]):
+        return True
+    return bool(TEMPLATE.match(lines[i])) and i + 1 < len(lines) and bool(TYPE_START.match(lines[i + 1]))
 
 
 def run_end(lines, start):
@@ -59,7 +68,7 @@ def body(lines):
             block.append("%s/// %s" % (indent, text))
             i += 1
         end = None
-        if i < len(lines) and lines[i].strip() and not TYPE_START.match(lines[i]) and not ACCESS.match(lines[i]):
+        if i < len(lines) and lines[i].strip() and not starts_type(lines, i) and not ACCESS.match(lines[i]):
             end = run_end(lines, i)
         if end is None or end - i < 1:
             out.extend(block)

@@ -13,13 +13,15 @@ namespace qor::tools::container {
 
 namespace base {
 
+// The body of a list: the chain of nodes and their count.
 template <typename T, typename P>
 class list : public _counter<P> {
 public:
+    // One link of the chain.
     struct node {
-        T *mObject;
-        node *mPrev;
-        node *mNext;
+        T *mObject;  // the element
+        node *mPrev;  // the node before (null at the head)
+        node *mNext;  // the node after (null at the tail)
     };
 
     list() noexcept = default;
@@ -74,9 +76,9 @@ public:
         mCount = 0;
     }
 
-    node *mHead = nullptr;
-    node *mTail = nullptr;
-    int mCount = 0;
+    node *mHead = nullptr;  // the first node
+    node *mTail = nullptr;  // the last node
+    int mCount = 0;         // the number of elements
 
 private:
     static constexpr int kSpareNodes = 64;
@@ -86,13 +88,16 @@ private:
 
 }  // namespace base
 
+// The list handle: all handles on one body see the same elements.
 template <typename T, typename P = pif::object>
 class list : public base::_base<base::list<T, P>> {
     using body = base::list<T, P>;
 
 public:
+    // One link: the element and its neighbours.
     using node = typename body::node;
 
+    // An empty list; copies share the elements.
     list() = default;
     list(list const &other) noexcept : base::_base<body>(other) {}
     list &operator=(list const &other) noexcept {
@@ -100,20 +105,29 @@ public:
         return *this;
     }
 
+    // Links `element` behind `after` (null: at the front) or at the end; the
+    // list owns it from then on. The new node.
     node *Insert(node *after, T *element) { return this->mBody->Insert(after, element); }
     node *Append(T *element) { return this->mBody->Insert(this->mBody->mTail, element); }
+    // Unlinks the first element and hands it over (null when empty).
     T *TakeFirst() noexcept { return this->mBody->TakeFirst(); }
+    // The first element (still the list's), the first and last nodes.
     T *First() const noexcept { return this->mBody->mHead ? this->mBody->mHead->mObject : nullptr; }
     node *Head() const noexcept { return this->mBody->mHead; }
     node *Tail() const noexcept { return this->mBody->mTail; }
+    // Gives back every element.
     void Clear() { this->mBody->Clear(); }
+    // The number of elements, and whether there is none.
     int Count() const noexcept { return this->mBody->mCount; }
     bool IsEmpty() const noexcept { return this->mBody->mCount == 0; }
 };
 
+// First in, first out on top of a list.
 template <typename T, typename P = pif::object>
 class queue : public list<T, P> {
 public:
+    // Appends (the queue owns it), takes the first out (the caller owns it;
+    // null when empty), or looks at the first.
     void Push(T *element) { this->Append(element); }
     T *Pop() noexcept { return this->TakeFirst(); }
     T *Peek() const noexcept { return this->First(); }
