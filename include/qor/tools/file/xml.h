@@ -37,6 +37,7 @@ namespace qor::tools::file {
 
 class QOR_TOOLS_API xml {
 public:
+    // No document yet, or the document loaded from `path`.
     xml();
     explicit xml(char16_t const *path);
     // Copies share the document, each with a cursor of its own.
@@ -44,6 +45,10 @@ public:
     xml &operator=(xml const &other);
     virtual ~xml();
 
+    // Makes an empty document when there is none; loads one; saves it to
+    // `path` (null: where it came from) when modified. Update marks it
+    // modified; Path is where it is saved. CreateCryptoXml makes an encrypted
+    // document with the built-in password (the caller deletes it).
     bool Initialize();
     virtual bool Load(char16_t const *path);
     virtual bool Save(char16_t const *path);
@@ -52,6 +57,9 @@ public:
     string const &Path() const noexcept { return mPath; }
     static xml *CreateCryptoXml(char16_t const *path);
 
+    // Moves the cursor: to the first node an XPath selects, or to a
+    // neighbour; false (the cursor unmoved) when there is none. Backup and
+    // Restore keep and bring back one position.
     bool SelectNode(char16_t const *query);
     bool MoveParentNode();
     bool MoveFirstChild();
@@ -61,6 +69,9 @@ public:
     void BackupCurrentNode() noexcept { mBackupNode = mCurrentNode; }
     void RestoreCurrentNode() noexcept { mCurrentNode = mBackupNode; }
 
+    // The cursor's node: its name, its text and its attributes read
+    // (unescaped) or written (escaped); false when there is no such node or
+    // attribute, or the value cannot be stored.
     bool GetCurrentNodeElementName(string &name);
     bool GetCurrentNodeText(string &text);
     bool GetCurrentNodeAttrValue(char16_t const *name, string &value);
@@ -73,6 +84,9 @@ public:
     bool SetCurrentNodeAttrValue(char16_t const *name, int value);
     bool SetCurrentNodeAttrValue(char16_t const *name, double value, int digits);
 
+    // The text of the node an XPath selects (empty, 0 when none), or a new
+    // text for it (nothing when there is none); numbers through the string
+    // converter, doubles with `digits` decimals.
     string String(char16_t const *query);
     int Int(char16_t const *query);
     double Double(char16_t const *query);
@@ -80,6 +94,11 @@ public:
     void Int(char16_t const *query, int value);
     void Double(char16_t const *query, double value, int digits);
 
+    // Adds an element (with a text) under the cursor's node or the node an
+    // XPath selects, moving the cursor to it when `move`; removes the
+    // cursor's element or a selected one. These throw exception("xml
+    // E_POINTER") without a document or cursor. CheckVersion: whether the
+    // selected node's VERSION attribute is `version`.
     bool CreateElementCurrent(char16_t const *name, char16_t const *text, bool move);
     bool CreateElement(char16_t const *query, char16_t const *name, char16_t const *text, bool move);
     bool RemoveCurrentElement();
