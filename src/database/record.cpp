@@ -131,7 +131,7 @@ unsigned char *rset::Setup(record &source, int rows) {
 
 void rset::Clear() {
     Release();
-    mRows.Release();
+    mRows.Clear();
 }
 
 void rset::_Copy(rset const &source) {

@@ -18,17 +18,24 @@ namespace qor::tools {
 
 class QOR_TOOLS_API watch {
 public:
+    // A stopwatch, started at once when `start`; copies carry the figures.
     explicit watch(bool start = false);
     watch(watch const &) = default;
     watch &operator=(watch const &) = default;
     virtual ~watch() = default;
 
+    // Start begins a span; Stop ends it, counts it and answers it in ms;
+    // Peep answers the running span in ms and Counter in counter ticks
+    // (nanoseconds); Reset forgets every figure; IsStart: a span was begun.
     void Start() { mStart = _Now(); }
     double Stop();
     double Peep() const { return _Calc(Counter()); }
     std::int64_t Counter() const { return _Now() - mStart; }
     void Reset();
     bool IsStart() const noexcept { return mStart != 0; }
+    // The number of spans, and in ms their total, the last, the shortest and
+    // the longest; Average over all, Average2 without the shortest and the
+    // longest (0 below three spans); Result all of them in one line.
     int Times() const noexcept { return mTimes; }
     double Total() const { return _Calc(mTotal); }
     double Last() const { return _Calc(mLast); }
@@ -43,6 +50,8 @@ public:
     // Appends Result(title) and a line end to `file` ("/watch.log" when null); silent on failure.
     void Log(char16_t const *title, char16_t const *file = nullptr) const;
 
+    // The process-wide tick log: TickCount does nothing in this build;
+    // TickCountClear restarts its count.
     static void TickCount(char16_t const *, int, char16_t const *) {}
     static void TickCountClear(char16_t const *file, int line);
 

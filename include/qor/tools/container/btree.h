@@ -19,40 +19,47 @@ namespace qor::tools::container {
 
 namespace base {
 
+// The body of a tree: its nodes, from the root.
 template <typename K, typename V, typename P, int N>
 class btree : public _counter<P> {
     static_assert(N >= 2, "a node holds at least two keys");
 
 public:
+    // A key and its value.
     struct entry {
-        K mKey;
-        V *mValue;
+        K mKey;     // the key
+        V *mValue;  // the value stored under it
     };
+    // A node: up to N entries in key order and the children between them.
     struct node {
-        entry *mKey[N] = {};
-        node *mChild[N + 1] = {};
-        node *mParent = nullptr;
-        int mCount = 0;
+        entry *mKey[N] = {};       // the entries, mCount of them
+        node *mChild[N + 1] = {};  // the subtrees (none in a leaf)
+        node *mParent = nullptr;   // the node above (null at the root)
+        int mCount = 0;            // entries in use
+        // Whether the node has no children.
         bool IsLeaf() const noexcept { return !mChild[0]; }
     };
     // One step of a search path: odd positions 2i + 1 stand for key i, even
     // positions 2i for child i.
     struct _index {
-        node *mNode;
-        int mPosition;
+        node *mNode;     // the node of this step
+        int mPosition;   // a key (odd) or a child (even) of it
     };
 
     // Walks the entries in key order, keeping the path from the root
     // (deepest step last).
     class iterator {
     public:
+        // At the first entry of `tree` (invalid when the tree is empty).
         explicit iterator(btree const *tree) : mTree(tree) { First(); }
         virtual ~iterator() = default;
 
+        // Whether it stands on an entry, and that entry's key and value.
         bool IsValid() const noexcept { return mPath.Size() > 0; }
         K const &Key() const { return Current()->mKey; }
         V *Value() const { return Current()->mValue; }
 
+        // Goes to the first entry, or on to the next (invalid past the last).
         void First() {
             mPath.Release();
             node *root = mTree->mRoot;
@@ -104,6 +111,7 @@ public:
         set<_index> mPath;
     };
 
+    // An empty tree (a root without entries); bodies are not copied.
     btree() : mRoot(new node) {}
     btree(btree const &) = delete;
     btree &operator=(btree const &) = delete;
@@ -261,11 +269,13 @@ private:
 
 }  // namespace base
 
+// The tree handle: all handles on one body see the same entries.
 template <typename K, typename V, typename P = pif::none, int N = 2>
 class btree : public base::_base<base::btree<K, V, P, N>> {
     using body = base::btree<K, V, P, N>;
 
 public:
+    // The body's node and search-path step.
     using node = typename body::node;
     using _index = typename body::_index;
 
@@ -273,12 +283,14 @@ public:
     // keeps the tree alive while it walks.
     class iterator : public body::iterator {
     public:
+        // At the first entry of `tree`.
         explicit iterator(btree const &tree) : body::iterator(tree.Body()), mTree(tree) {}
 
     private:
         btree mTree;
     };
 
+    // An empty tree; copies share the entries.
     btree() = default;
     btree(btree const &other) noexcept : base::_base<body>(other) {}
     btree &operator=(btree const &other) noexcept {
@@ -293,13 +305,16 @@ public:
         auto *e = this->mBody->Search(key);
         return e ? e->mValue : nullptr;
     }
+    // The root node, and an iterator at the first entry.
     node *Root() const noexcept { return this->mBody->mRoot; }
     iterator Iterator() const { return iterator(*this); }
 };
 
+// The name client code uses for the tree: nothing is hashed.
 template <typename K, typename V, typename P = pif::none, int N = 2>
 class hash : public btree<K, V, P, N> {
 public:
+    // An empty tree.
     hash() = default;
 };
 

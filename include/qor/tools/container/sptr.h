@@ -16,6 +16,7 @@
 
 namespace qor::tools::container {
 
+// A shared handle that deletes its object when the last handle goes.
 template <typename T>
 class sptr : public base::_xptr<T *, pif::object> {
     using xptr = base::_xptr<T *, pif::object>;
@@ -23,11 +24,13 @@ class sptr : public base::_xptr<T *, pif::object> {
 public:
     using xptr::xptr;
     using xptr::operator=;
+    // Holding nothing; copies share the object.
     sptr() = default;
     sptr(sptr const &) = default;
     sptr &operator=(sptr const &) = default;
 };
 
+// A shared handle that releases its interface when the last handle goes.
 template <typename T>
 class comptr : public base::_xptr<T *, pif::com> {
     using xptr = base::_xptr<T *, pif::com>;
@@ -35,10 +38,13 @@ class comptr : public base::_xptr<T *, pif::com> {
 public:
     using xptr::xptr;
     using xptr::operator=;
+    // Holding nothing; copies share the interface.
     comptr() = default;
     comptr(comptr const &) = default;
     comptr &operator=(comptr const &) = default;
 
+    // Creates the class `clsid` (or the one a ProgID names) and holds its T
+    // interface; the creation's result.
     HRESULT CoCreateInstance(GUID const &clsid, IUnknown *outer = nullptr, unsigned long context = CLSCTX_ALL) {
         this->Release();
         return tools::CoCreateInstance(clsid, outer, DWORD(context), T::iid,

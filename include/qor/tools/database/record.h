@@ -102,7 +102,8 @@ public:
     record &operator[](int index) const noexcept { return Get(index); }
     // Prepares `rows` records as views into one block; returns the block's start.
     unsigned char *Setup(record &source, int rows);
-    // Lets go of every record and of the rows' block; Rows is that block.
+    // Lets go of every record and zero-fills the rows' block, which stays
+    // until the next Setup; Rows is that block.
     void Clear();
     unsigned char *Rows() const noexcept { return mRows.Data(); }
 

@@ -25,15 +25,20 @@ namespace qor::tools::file {
 
 class QOR_TOOLS_API csv {
 public:
+    // One line of the table: its cells.
     class row {
     public:
+        // The cells' array.
         using cells = container::array<string, container::pif::array::object>;
 
+        // An empty row; copies share the cells.
         row() = default;
         row(row const &) = default;
         row &operator=(row const &) = default;
         virtual ~row() = default;
 
+        // The number of cells, a new number (new cells empty), a cell by
+        // index (not checked), and the cells' array.
         int Size() const noexcept { return mCells.Size(); }
         void Size(int count) { mCells.Size(count); }
         string &operator[](int index) const noexcept { return mCells[index]; }
@@ -42,29 +47,38 @@ public:
         int I(int index) const;
         float F(int index) const;
         double D(int index) const;
+        // Does nothing (a debugging hook).
         void Trace() const {}
 
     private:
         cells mCells;
     };
 
+    // An empty table, or the one loaded (Load) from `path`; copies share rows.
     csv() = default;
     explicit csv(char16_t const *path);
     csv(csv const &) = default;
     csv &operator=(csv const &) = default;
     virtual ~csv() = default;
 
+    // Reads or writes the table in the locale's 8-bit encoding (CR LF) or in
+    // UTF-16LE with a byte-order mark (LF); a save without a path writes where
+    // the table was last loaded or saved.
+    // Failures throw the library's exception with the texts in docs/files.md.
     void Load(char16_t const *path);
     void Save(char16_t const *path = nullptr);
     void LoadUnicode(char16_t const *path);
     void SaveUnicode(char16_t const *path = nullptr);
 
+    // The number of rows, and a new number (new rows empty).
     int Rows() const noexcept { return mRows.Size(); }
     void Rows(int count) { mRows.Size(count); }
     // Appends an empty row; the reference lasts until the table grows again.
     row &Add();
     // Sets the delimiter written between cells (reading ignores it).
     void Deleimter(char16_t c) noexcept { mDelimiter = c; }
+    // A row by index (not checked), the last path used, and a debugging hook
+    // that does nothing.
     row &operator[](int index) const noexcept { return mRows[index]; }
     string const &Path() const noexcept { return mPath; }
     void Trace() const {}

@@ -18,19 +18,26 @@ namespace qor::tools::graphic {
 
 class QOR_TOOLS_API spline {
 public:
+    // One number per knot (or per interval).
     using values = container::array<double>;
 
+    // Not fitted yet; copies share the fitted arrays.
     spline();
     spline(spline const &) = default;
     spline &operator=(spline const &) = default;
 
+    // Fits the spline through the knots (x strictly increasing).
     void Initialize(container::array<CPoint, container::pif::array::object> points);
     void Initialize(container::array<direct2d::pointf, container::pif::array::object> const &points);
+    // f(x) of the fitted spline.
     double Value(double x) const noexcept;
 
-    int mCount = 0;
+    int mCount = 0;  // the number of knots
+    // The fit: interval widths, the tridiagonal system's diagonal, right-hand
+    // side and elimination factors, the second-derivative terms, the cubic's
+    // coefficients per interval (c, b, d), and the knots themselves.
     values mH, mDiagonal, mRhs, mMu, mZ, mC, mB, mD, mX, mY;
-    container::sptr<line> mFallback;
+    container::sptr<line> mFallback;  // the line used with fewer than three knots
 
 private:
     void _Fallback(pointd const &a, pointd const &b);

@@ -22,6 +22,8 @@ public:
     // double and bytes REG_BINARY); the conversions read it back by type.
     class QOR_TOOLS_API data {
     public:
+        // No value (type 0), or a value of the argument's type; copies own
+        // their bytes.
         data() = default;
         data(int value) { Set(value); }
         data(unsigned long value) { Set(value); }
@@ -34,6 +36,7 @@ public:
         data &operator=(data const &other);
         virtual ~data();
 
+        // Replaces the value (and its type) as the constructors make it.
         void Set(int value);
         void Set(unsigned long value);
         void Set(long long value);
@@ -42,6 +45,7 @@ public:
         void Set(double value);
         void Set(void const *bytes, unsigned long size);
 
+        // The value read as the asked type: 0 or null when it holds another.
         operator int() const;
         operator unsigned long() const;
         operator long long() const;
@@ -49,6 +53,7 @@ public:
         operator char const *() const;
         operator double() const;
         operator void *() const { return mBytes; }
+        // The REG_ type, the size in bytes and the bytes themselves.
         unsigned long Type() const { return mType; }
         int Size() const { return mSize; }
         unsigned char *Data() const { return mBytes; }
@@ -63,6 +68,8 @@ public:
         int mSize = 0;
     };
 
+    // No key open, or the key at `path` under `root` opened (made first when
+    // `create`).
     registry() = default;
     registry(HKEY root, char16_t const *path, bool create);
     // Copies share the key, and each closes it at its end.
@@ -70,9 +77,12 @@ public:
     registry &operator=(registry const &) = default;
     virtual ~registry() { Close(); }
 
+    // Opens a key, opens it made when missing, or closes it.
     bool Open(HKEY root, char16_t const *path);
     bool Create(HKEY root, char16_t const *path);
     void Close();
+    // Writes or reads a value of the open key; deletes a value or a subkey
+    // (one without subkeys of its own).
     bool Set(char16_t const *name, data const &value);
     bool Get(char16_t const *name, data &value) const;
     void Delete(char16_t const *name);
@@ -83,6 +93,7 @@ public:
     // Deletes every subkey (each must have none of its own) the same way.
     void DeleteKeyAll();
 
+    // The same in one call each: open (made when writing), act, close.
     static bool Set(HKEY root, char16_t const *path, char16_t const *name, data const &value);
     static bool SetText(HKEY root, char16_t const *path, char16_t const *name, char16_t const *text);
     static bool SetInteger(HKEY root, char16_t const *path, char16_t const *name, int value);
@@ -90,12 +101,15 @@ public:
     // `fallback` when the value cannot be read; empty (0) when it is of another type.
     static string GetText(HKEY root, char16_t const *path, char16_t const *name, char16_t const *fallback);
     static int GetInteger(HKEY root, char16_t const *path, char16_t const *name, int fallback);
+    // Deletes a value; makes the subkey `name` of `path`; deletes it (it must
+    // have no subkeys), or with DeleteKeyAll deletes its values and subkeys
+    // (one level) and then it.
     static void Delete(HKEY root, char16_t const *path, char16_t const *name);
     static bool CreateKey(HKEY root, char16_t const *path, char16_t const *name);
     static void DeleteKey(HKEY root, char16_t const *path, char16_t const *name);
     static void DeleteKeyAll(HKEY root, char16_t const *path, char16_t const *name);
 
-    HKEY mKey = nullptr;
+    HKEY mKey = nullptr;  // the open key (null when none)
 
 protected:
     bool _Open(HKEY root, char16_t const *path);
