@@ -31,6 +31,9 @@ struct target {
 bool Target(int which, target &t) {
     if (which == 0) {
         static std::string const file = "/tmp/qorbench-" + std::to_string(::getpid()) + ".db";
+        static struct remover {
+            ~remover() { ::unlink(file.c_str()); }
+        } const removeAtExit;
         t = {u"SQLite3", u"local", std::u16string(file.begin(), file.end()), u"u", u"",
              "Driver={SQLite3};Database=" + file + ";Timeout=5000;"};
         return true;

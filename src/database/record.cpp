@@ -1,19 +1,31 @@
 #include "qor/tools/database/record.h"
 
 #include <cstdint>
-
 #include <cstring>
+#include <new>
+
+#include "view_slab.h"
 
 namespace qor::tools::database {
 
 record::~record() {
     _ReleaseField();
-    mFields.Release();
     _ForgetView();
+    mFields.Release();
 }
 
-// A view's bytes belong to its rset: the buffer lets go of them unfreed.
+// A view's bytes belong to its rset: the buffer lets go of them unfreed. The
+// fields of a view that its rset made stand in the rset's slab (their array
+// carries the mark): they end in place and the array lets go of their block,
+// so that it is neither freed nor grown out of.
 void record::_ForgetView() {
+    auto &fields = *mFields.Body();
+    if (fields.Reference()) {
+        fields.Destroy(0);
+        fields.mElement = nullptr;
+        fields.mSize = fields.mCapacity = 0;
+        fields.Reference(false);
+    }
     if (!mBuffer.Reference()) return;
     mBuffer.Body()->mElement = nullptr;
     mBuffer.Body()->mSize = 0;
@@ -74,6 +86,15 @@ void record::ReferenceRecord(record &source, unsigned char *row) {
     _FieldSetup(false);
 }
 
+record::record(record const &source, unsigned char *row, container::base::buffer *buffer,
+               container::base::array<field, container::pif::array::object> *fields)
+    : mBuffer(buffer), mColumn(source.mColumn), mFields(fields) {
+    buffer->mElement = row;
+    buffer->mSize = RecordSize();
+    buffer->Reference(true);
+    _FieldSetup(false);
+}
+
 void record::Clear() {
     _ReleaseField();
     mBuffer.Clear();
@@ -116,16 +137,30 @@ rset &rset::operator=(rset const &other) {
     return *this;
 }
 
-// Null when the rows would not fit in one block (more than 2 GB).
+// Null when the rows would not fit in one block (more than 2 GB) or there is
+// no memory for them. The records are made in place, as views on bodies from
+// one slab (see view_slab.h): what is left to allocate per row is its fields.
 unsigned char *rset::Setup(record &source, int rows) {
     Clear();
     int size = source.RecordSize();
     if (rows < 0 || size < 0 || std::int64_t(rows) * size > INT32_MAX) return nullptr;
     mRows.Size(rows * size, true);
     if (rows > 0 && size > 0 && !mRows.Data()) return nullptr;
-    Size(rows);
     unsigned char *start = mRows.Data();
-    for (int i = 0; i < rows; ++i) Get(i).ReferenceRecord(source, start + std::size_t(i) * std::size_t(size));
+    if (rows == 0) return start;
+    detail::view_slab *slab = detail::view_slab::Make(rows, source.Columns());
+    if (!slab) return nullptr;
+    struct hold {
+        detail::view_slab *mSlab;
+        ~hold() { mSlab->Give(); }
+    } held{slab};
+    auto &records = *mBody;
+    container::pif::array::object::FreeBlock(records.Regrow(rows));
+    for (int i = 0; i < rows; ++i) {
+        unsigned char *row = start + std::size_t(i) * std::size_t(size);
+        new (&records.mElement[i]) record(source, row, slab->Buffer(i), slab->Fields(i));
+        records.mSize = i + 1;
+    }
     return start;
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstring>
 
 #include "layout.h"
@@ -126,4 +127,50 @@ TEST(Rset, ViewsIntoOneBlockFreedOnce) {
     rows.Setup(source, 2);
     rows.Setup(source, 5);  // again without Clear: the views are released first
     EXPECT_EQ(rows.Size(), 5);
+}
+
+// The views' handles and fields stand in one slab per Setup; a view that is
+// assigned, copied, moved by the array's growth or removed must behave as any
+// record, and every byte must be freed once (the sanitizer builds check that).
+TEST(Rset, ViewsBearAssignmentGrowthAndRemoval) {
+    row source(People());
+    auto *wide = new layout;
+    wide->Add(u"a", DBTYPE_I4).Add(u"b", DBTYPE_I4).Add(u"c", DBTYPE_I4).Add(u"d", DBTYPE_I4).Add(u"e", DBTYPE_R8);
+    row big(wide);
+    big[u"e"] = 2.5;
+    rset rows;
+    for (int round = 0; round < 3; ++round) {
+        int n = round == 1 ? 500 : 40;  // larger than the kept slab, then smaller again
+        unsigned char *block = rows.Setup(source, n);
+        ASSERT_EQ(rows.Size(), n);
+        for (int i = 0; i < n; ++i) {
+            ASSERT_EQ(rows[i].Columns(), 4);
+            ASSERT_EQ(int(rows[i][u"id"]), 0);
+            rows[i][u"id"] = i;
+        }
+        std::int32_t fifth = 0;
+        std::memcpy(&fifth, block + 5 * source.RecordSize() + rows[5].Info(u"id")->mOffset, sizeof fifth);
+        EXPECT_EQ(fifth, 5);
+        rows[3] = big;  // more columns than the slab made room for
+        EXPECT_EQ(rows[3].Columns(), 5);
+        EXPECT_EQ(double(rows[3][u"e"]), 2.5);
+        EXPECT_NE(rows[3].RecordBuffer(), block + 3 * source.RecordSize());
+        rows[4] = rows[7];
+        EXPECT_EQ(int(rows[4][u"id"]), 7);
+        record kept = rows[9];
+        rows.Remove(9);
+        EXPECT_EQ(int(rows[9][u"id"]), 10);
+        for (int i = 0; i < 30; ++i) rows.Add(big);  // the records move to a new block
+        EXPECT_EQ(int(rows[10][u"id"]), 11);
+        EXPECT_EQ(double(rows[n + 20][u"e"]), 2.5);
+        rows.Clear();
+        EXPECT_EQ(int(kept[u"id"]), 9);  // a copy owns its row
+    }
+    rset other;
+    other.Setup(source, 10);  // two sets at once: each has its own slab
+    rows.Setup(big, 10);
+    other[2][u"id"] = 4;
+    rows[2][u"e"] = 1.5;
+    EXPECT_EQ(int(other[2][u"id"]), 4);
+    EXPECT_EQ(double(rows[2][u"e"]), 1.5);
 }

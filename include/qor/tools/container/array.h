@@ -109,6 +109,8 @@ public:
         this->mBody->mGrowup = growup < 1 ? 1 : growup;
         Size(size);
     }
+    // A handle on a body made elsewhere, taking over the count it was made with.
+    explicit _array(body *b) noexcept : base::_base<body>(b) {}
     // Copies share the elements.
     _array(_array const &other) noexcept : base::_base<body>(other) {}
     _array &operator=(_array const &other) noexcept {
@@ -243,6 +245,8 @@ class array : public _array<T, P> {
 public:
     // `size` default-made elements, growing by `growup`.
     explicit array(int size = 0, int growup = 10) : _array<T, P>(size, growup, false) {}
+    // A handle on a body made elsewhere, taking over the count it was made with.
+    explicit array(base::array<T, P> *made) noexcept : _array<T, P>(made) {}
     array(array const &) = default;
     array &operator=(array const &) = default;
 };

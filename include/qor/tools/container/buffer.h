@@ -71,6 +71,8 @@ class QOR_TOOLS_API buffer : public base::_base<base::buffer> {
 public:
     // A block of `size` bytes, zero-filled when `clear`.
     explicit buffer(int size = 0, bool clear = false) : base::_base<base::buffer>(new base::buffer(size, clear)) {}
+    // A handle on a body made elsewhere, taking over the count it was made with.
+    explicit buffer(base::buffer *body) noexcept : base::_base<base::buffer>(body) {}
     // Copies share the bytes.
     buffer(buffer const &other) noexcept : base::_base<base::buffer>(other) {}
     buffer &operator=(buffer const &other) noexcept {

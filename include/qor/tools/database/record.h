@@ -85,6 +85,11 @@ protected:
     container::array<field, container::pif::array::object> mFields;
 
 private:
+    friend class rset;
+    // A view of `row` in `source`'s columns on bodies that its rset made.
+    record(record const &source, unsigned char *row, container::base::buffer *buffer,
+           container::base::array<field, container::pif::array::object> *fields);
+
     void _ForgetView();
 };
 
