@@ -138,7 +138,15 @@ std::u16string dialect::ConnectionString(std::u16string const &driver, std::u16s
             options += u" host=" + LibpqQuoted(host);
             if (!port.empty()) options += u" port=" + LibpqQuoted(port);
         }
-        text += u"pqopt={" + options + u"};";
+        // Inside a transaction psqlodbc sets a savepoint before each
+        // statement, so that a failed one is undone alone (as on the other
+        // databases). With server-side prepared statements that savepoint is
+        // a round trip of its own; with UseServerSidePrepare=0 the driver
+        // writes the parameters into the statement as escaped literals and
+        // sends savepoint and statement in one message: one round trip a row
+        // written instead of two. The library still hands every value over
+        // as a parameter.
+        text += u"pqopt={" + options + u"};UseServerSidePrepare=0;";
         if (password) text += u"Pwd=" + Quoted(*password) + u";";
         return text;
     }

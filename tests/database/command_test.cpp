@@ -186,12 +186,15 @@ TEST_P(Database, ValuesTravelAsParameters) {
     command &people = mDb.Table(u"people", true);
     people.Clear();
     people[u"id"] = 1;
-    people[u"name"] = u"O'Brien \"x\"; 東京";
+    // Quotes, a backslash before a quote, markers and comment openers: what a
+    // driver that writes values into the statement itself must escape.
+    char16_t const *hostile = u"O'Brien\\'\";?$1--/*東京";
+    people[u"name"] = hostile;
     people.Insert(false);
     for (auto const &sql : mDb.StatementLog()) EXPECT_EQ(sql.find(u"O'Brien"), std::u16string::npos);
     ASSERT_TRUE(people.Select(u"where id = 1"));
     ASSERT_TRUE(people.MoveNext());
-    EXPECT_EQ(std::u16string(static_cast<char16_t const *>(people[u"name"])), u"O'Brien \"x\"; 東京");
+    EXPECT_EQ(std::u16string(static_cast<char16_t const *>(people[u"name"])), hostile);
 }
 
 TEST_P(Database, BlobsRoundTripAndRecordSets) {
@@ -289,6 +292,22 @@ TEST_P(Database, TransactionsCommitAndRollBack) {
     people[u"id"] = 4;
     people.Insert(false);
     mDb.EndTransaction();
+    EXPECT_EQ(people.Count(), 3);
+}
+
+// Inside a transaction a write that fails is undone alone: the rows before
+// and after it are committed, on every backend.
+TEST_P(Database, AFailedWriteInATransactionIsUndoneAlone) {
+    command &people = mDb.Table(u"people", true);
+    ASSERT_TRUE(mDb.StartTransaction());
+    Fill(people, 2);
+    people.Clear();
+    people[u"id"] = 1;  // taken
+    EXPECT_THROW(people.Insert(false), exception);
+    people.Clear();
+    people[u"id"] = 3;
+    people.Insert(false);
+    mDb.EndTransaction(true);
     EXPECT_EQ(people.Count(), 3);
 }
 
