@@ -32,6 +32,10 @@ def show_time(t):
     return f"{t / 1e-9:.3g} ns"
 
 
+def shown_counters(b):
+    return [f"{k} {v:.3g}" for k, v in b.items() if k.endswith(("_over_size", "_MB", "_per_row", "_ratio"))]
+
+
 def anchor_of(name, rows):
     base, _, args = name.partition("/")
     parts = args.split("/") if args else []
@@ -61,9 +65,11 @@ def main():
             ratio = f"{seconds(b) / seconds(rows[anchor]):.2f}" if anchor else ""
             shown = show_time(seconds(rows[anchor])) if anchor else ""
             label = b.get("label", "")
-            counters = [f"{k} {v:.3g}" for k, v in b.items() if k.endswith(("_over_size", "_MB", "_per_row", "_ratio"))]
+            counters = shown_counters(b)
             if counters:
                 label = ", ".join(([label] if label else []) + counters)
+            if anchor and shown_counters(rows[anchor]):
+                shown += " (" + ", ".join(shown_counters(rows[anchor])) + ")"
             print(f"| {name}{' (' + label + ')' if label else ''} | {show_time(seconds(b))} | {rate} | {shown} | {ratio} |")
 
 
