@@ -6,7 +6,8 @@ that opens a header becomes the description of the class the file is named
 after (or of the file, when no such class is declared), and every other
 comment line before a declaration becomes a documentation comment. A comment
 above a run of declarations (up to the next blank line) speaks for the whole
-run, as in the headers: the run becomes a member group whose members share it.
+run, as in the headers: the run becomes a member group, and each of its
+declarations carries the comment.
 Protected and private sections are the classes' inside, left out of the
 reference. The headers themselves stay as they are.
 """
@@ -75,10 +76,28 @@ def body(lines):
             continue
         indent = COMMENT.match(block[0].replace("///", "//", 1)).group(1)
         out.append(indent + "///@{")
-        out.extend(block)
-        out.extend(lines[i:end])
+        out.extend(with_comment(block, lines[i:end]))
         out.append(indent + "///@}")
         i = end
+    return out
+
+
+def with_comment(block, run):
+    """The run with the comment before each of its declarations, besides the
+    group's: Doxygen gives a group's comment only to the first member on the
+    pages it makes for a template's instances (array<T, pif::array::object>).
+    Members that one macro makes still take it from the group."""
+    out = []
+    depth = 0
+    ended = True
+    for line in run:
+        if depth == 0 and ended and line.strip():
+            out.extend(block)
+        out.append(line)
+        depth += depth_change(line)
+        code = re.sub(r"//.*$", "", line).rstrip()
+        if code:
+            ended = depth == 0 and (code.endswith(";") or code.endswith("}"))
     return out
 
 
@@ -124,10 +143,16 @@ def main(path):
     name = os.path.splitext(os.path.basename(path))[0]
     folder = os.path.basename(os.path.dirname(path))
     namespace = "qor::tools" if folder == "tools" else "qor::tools::" + folder
-    declares = any(re.match(r"\s*(class|struct)\s+(QOR_TOOLS_API\s+)?%s\b" % re.escape(name), l) for l in lines)
+    # The class the file is named after: crypto_xml.h declares CryptoXml.
+    declared = None
+    for l in lines:
+        m = re.match(r"\s*(class|struct)\s+(QOR_TOOLS_API\s+)?(\w+)\b", l)
+        if m and m.group(3).lower() == name.replace("_", "").lower():
+            declared = m.group(3)
+            break
     out = []
     if opening:
-        target = "@class %s::%s" % (namespace, name) if declares else "@file"
+        target = "@class %s::%s" % (namespace, declared) if declared else "@file"
         out.append("/** %s" % target)
         out.extend(" * " + l for l in opening)
         out.append(" */")

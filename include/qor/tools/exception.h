@@ -15,6 +15,7 @@ namespace qor::tools {
 
 class QOR_TOOLS_API exception {
 public:
+    // A code alone.
     explicit exception(int code) : mCode(code) {}
     // The text is made by string::FormatV, so '%' in it is active.
     explicit exception(char16_t const *format, ...);
@@ -27,8 +28,8 @@ public:
     // A place to hook diagnostics; does nothing.
     void Trace() {}
 
-    int mCode = 0;
-    string mMessage;
+    int mCode = 0;    // the code (0 for the library's own texts)
+    string mMessage;  // the text, such as "OLD DB Insert"
 };
 
 }  // namespace qor::tools

@@ -2,6 +2,7 @@
 // interface. Everything else is built with hidden visibility and stays inside.
 #pragma once
 
+// Exported from the shared library (empty when built as a static library).
 #if defined(QORTOOLS_STATIC)
 #define QOR_TOOLS_API
 #else

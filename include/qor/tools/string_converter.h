@@ -20,11 +20,16 @@
 
 namespace qor::tools {
 
+// Conversions between encodings into a buffer of its own, numbers to and
+// from text, and the classes of Japanese characters.
 class QOR_TOOLS_API string::converter : public container::buffer {
 public:
+    // The classes of characters UnicodeType tells apart.
     enum unitype { Latin = 0, Hiragana, Katakana, Kanji, FullDigit, FullUpper, FullLower, HalfKana, Other };
+    // Runs of one class: (start, length) pairs.
     using runs = container::array<container::two<int, int>, container::pif::array::object>;
 
+    // An empty buffer; copies share it.
     converter() = default;
     converter(converter const &) = default;
     converter &operator=(converter const &) = default;
@@ -41,6 +46,7 @@ public:
     char const *Utf8(char16_t const *s);
     char const *Utf8(char16_t const *s, int n);
 
+    // The last result, as UTF-16 or 8-bit text, and the buffer holding it.
     operator char16_t const *() const noexcept;
     operator char const *() const noexcept;
     container::buffer &Buffer() noexcept { return *this; }

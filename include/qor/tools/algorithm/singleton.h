@@ -12,11 +12,14 @@ namespace qor::tools::algorithm {
 template <typename T>
 class singleton {
 public:
+    // Registers the object being made as the instance; a copy registers
+    // nothing and assigns nothing.
     singleton() noexcept { mObject = this; }
     singleton(singleton const &) noexcept {}
     singleton &operator=(singleton const &) noexcept { return *this; }
     virtual ~singleton() = default;
 
+    // The registered instance, or null; Terminate deletes it and forgets it.
     static T *Instance() noexcept { return static_cast<T *>(mObject); }
     virtual void Terminate() {
         singleton *object = mObject;

@@ -65,10 +65,12 @@ public:
 template <typename T, typename P>
 class ptr;
 
+// The body of a pointer handle: gives its element back by P unless marked.
 template <typename T, typename P>
 class ptr<T *, P> : public _elem<T *, P> {
 public:
     ptr() noexcept = default;
+    // Holds `element`, marked or not.
     ptr(T *element, bool reference) noexcept : _elem<T *, P>(element, reference) {}
     ~ptr() override {
         if (this->mElement && !this->Reference()) P::GiveBack(this->mElement);
@@ -110,6 +112,7 @@ protected:
 template <typename T, typename P>
 class _xptr;
 
+// The pointer-like handle behind sptr and comptr.
 template <typename T, typename P>
 class _xptr<T *, P> : public _base<ptr<T *, P>> {
     using body = ptr<T *, P>;

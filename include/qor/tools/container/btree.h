@@ -155,6 +155,7 @@ public:
         return nullptr;
     }
 
+    // Stores `value` under `key`, giving back the value it replaces.
     void Set(K const &key, V *value) {
         if (entry *e = Search(key)) {
             if (e->mValue != value) P::GiveBack(e->mValue);
@@ -165,7 +166,7 @@ public:
         while (mRoot->mParent) mRoot = mRoot->mParent;
     }
 
-    node *mRoot;
+    node *mRoot;  // the root node, never null
 
 private:
     node *_Leaf(K const &key) const {

@@ -12,6 +12,7 @@ template <typename T, typename P = pif::object>
 class ptr : public P {
 public:
     ptr() noexcept : mObject(nullptr) {}
+    // Owns `element`, given back by P at the end.
     explicit ptr(T *element) noexcept : mObject(element) {}
     ptr(ptr const &) = delete;
     ptr &operator=(ptr const &) = delete;

@@ -8,8 +8,8 @@ namespace qor::tools::container {
 
 template <typename A, typename B>
 struct two {
-    A mFirst;
-    B mSecond;
+    A mFirst;   // the first value
+    B mSecond;  // the second value
 };
 
 struct QOR_TOOLS_API empty {};

@@ -28,16 +28,24 @@ class stream;
 
 class QOR_TOOLS_API field {
 public:
+    // A field that points at nothing; a copy points where the other does,
+    // with a count of its interface (AddRef); the destructor gives that back.
     field() noexcept = default;
     field(field const &other);
     field &operator=(field const &other);
     virtual ~field() { Release(); }
 
+    // Points the field at the slots of column `info` in `record` (with a
+    // count of the interface there, when `addRef`); gives back or takes a
+    // count of the interface in the slot; ReleaseOther forgets the slot's
+    // interface without a Release (its owner has let go of it).
     void Setup(unsigned char const *record, column::info const *info, bool addRef);
     void Release();
     void AddRef();
     void ReleaseOther();
 
+    // The column's description, type, size, the value slot, the status and
+    // length slots, and what kind of column it is.
     column::info const *Info() const noexcept { return mInfo; }
     unsigned short Type() const noexcept { return mInfo ? mInfo->mType : 0; }
     unsigned long Size() const noexcept { return mInfo ? mInfo->mSize : 0; }
@@ -51,6 +59,8 @@ public:
     bool IsString() const noexcept { return Type() == DBTYPE_STR || Type() == DBTYPE_WSTR; }
     bool IsNumber() const noexcept { return !IsString() && !IsUnknown(); }
     bool IsNull() const noexcept { return mStatus && Status() == DBSTATUS_S_ISNULL; }
+    // Whether the value is zero or an empty text; Clear zeroes the value
+    // (giving back an interface), Null marks the column NULL.
     bool IsEmpty() const;
     void Clear();
     void Null();
@@ -94,7 +104,6 @@ public:
     field &operator=(double v) { return _Set(v); }
     field &operator=(char16_t const *v) { return _Set(v); }
 
-    // Compound assignment: in place for types 3, 19 and 5 only.
 #define QOR_FIELD_WHOLE(op, name)                                           \
     field &operator op(char v) { return name(long(v)); }                    \
     field &operator op(short v) { return name(long(v)); }                   \
@@ -109,6 +118,7 @@ public:
     QOR_FIELD_WHOLE(op, name)                               \
     field &operator op(float v) { return name(double(v)); } \
     field &operator op(double v) { return name(v); }
+    // Compound assignment: in place for types 3, 19 and 5 only.
     QOR_FIELD_COMPOUND(+=, _Plus)
     QOR_FIELD_COMPOUND(-=, _Minus)
     QOR_FIELD_COMPOUND(*=, _Multi)
@@ -127,7 +137,7 @@ public:
     field &operator--() { return _Minus(1L); }
     field &operator--(int) { return _Minus(1L); }
 
-    // Comparison.
+    // The relations a comparison asks for.
     enum class relation { eq, ne, lt, gt, le, ge };
 #define QOR_FIELD_COMPARE(op, rel)                                                            \
     bool operator op(char v) const { return _Compare(long(v), relation::rel); }               \
@@ -142,6 +152,7 @@ public:
     bool operator op(double v) const { return _Compare(v, relation::rel); }                   \
     bool operator op(char16_t const *v) const { return _Compare(v, relation::rel); }          \
     bool operator op(field const &v) const { return _Compare(v, relation::rel); }
+    // Comparison with a number, a text or another field, in the column's type.
     QOR_FIELD_COMPARE(==, eq)
     QOR_FIELD_COMPARE(!=, ne)
     QOR_FIELD_COMPARE(<, lt)
@@ -150,6 +161,7 @@ public:
     QOR_FIELD_COMPARE(>=, ge)
 #undef QOR_FIELD_COMPARE
 
+    // The bit of mFlags that says the blob slot holds the library's own stream.
     static constexpr std::uint32_t kLibraryStream = 1;
 
 protected:

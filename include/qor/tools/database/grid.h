@@ -22,9 +22,10 @@ namespace qor::tools::database {
 
 class QOR_TOOLS_API grid : public CListCtrl, public command {
 public:
+    // A shown column: the field it shows and its number picture (empty: text).
     struct QOR_TOOLS_API info {
-        string mField;
-        string mFormat;
+        string mField;   // the field's name
+        string mFormat;  // the picture for FormatD, or empty
     };
 
     grid() : mRecords(100) {}
@@ -40,8 +41,8 @@ public:
     // Answers one cell of an LVN_GETDISPINFOW notification.
     long long GetDispInfo(tagNMHDR *header, long long *result);
 
-    container::array<info, container::pif::array::object> mColumns;
-    rset mRecords;
+    container::array<info, container::pif::array::object> mColumns;  // the shown columns, in order
+    rset mRecords;                                                  // the shown rows
 
 protected:
     void PreSubclassWindow() override;

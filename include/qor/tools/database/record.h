@@ -87,8 +87,8 @@ protected:
 private:
     friend class rset;
     // A view of `row` in `source`'s columns on bodies that its rset made.
-    record(record const &source, unsigned char *row, container::base::buffer *buffer,
-           container::base::array<field, container::pif::array::object> *fields);
+    QOR_TOOLS_LOCAL record(record const &source, unsigned char *row, container::base::buffer *buffer,
+                           container::base::array<field, container::pif::array::object> *fields);
 
     void _ForgetView();
 };

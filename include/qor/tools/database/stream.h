@@ -19,17 +19,23 @@ namespace qor::tools::database {
 
 class QOR_TOOLS_API stream : public ISequentialStream {
 public:
+    // An empty stream with a count of 1; a copy copies the bytes.
     stream() noexcept = default;
     stream(stream const &other);
     stream &operator=(stream const &other);
     virtual ~stream();
 
+    // The interface's calls: the counts, and reads and writes at the stream's
+    // own read and write positions (Write reports STG_E_INVALIDPOINTER even
+    // on success: judge by `done`).
     HRESULT QueryInterface(REFIID riid, void **out) override;
     ULONG AddRef() override { return ++mCount; }
     ULONG Release() override;
     HRESULT Read(void *out, ULONG count, ULONG *done) override;
     HRESULT Write(void const *data, ULONG count, ULONG *done) override;
 
+    // A zeroed block of `size` bytes; no bytes; both positions to `position`;
+    // the bytes from memory, a buffer or `size` bytes read from a stream.
     void Alloc(int size);
     void Clear();
     void Seek(int position) noexcept { mRead = mWrite = std::uint32_t(position); }
@@ -43,6 +49,7 @@ public:
     // An independent random-access stream over a copy of the bytes.
     container::comptr<IStream> MakeStream() const;
 
+    // The size, the bytes, and whether there are none.
     int Size() const noexcept { return mSize; }
     unsigned char *Address() const noexcept { return mData; }
     bool IsEmpty() const noexcept { return !mData; }

@@ -37,6 +37,7 @@ namespace qor::tools::direct2d {
 
 class QOR_TOOLS_API factory : public algorithm::singleton<factory> {
 public:
+    // Made empty (Initialize makes the factories); copies share them.
     factory() = default;
     factory(factory const &) = default;
     factory &operator=(factory const &) = default;

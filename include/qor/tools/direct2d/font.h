@@ -18,8 +18,10 @@
 
 namespace qor::tools::direct2d {
 
+// A shared handle on a measured text layout (font::Layout makes one).
 class QOR_TOOLS_API layout : public container::comptr<IDWriteTextLayout> {
 public:
+    // Empty or on a layout; copies share it.
     using container::comptr<IDWriteTextLayout>::comptr;
     layout() = default;
     layout(layout const &) = default;
@@ -32,6 +34,7 @@ public:
 
 class QOR_TOOLS_API font : public container::comptr<IDWriteTextFormat> {
 public:
+    // Empty or on a text format; copies share it.
     using container::comptr<IDWriteTextFormat>::comptr;
     font() = default;
     font(font const &) = default;

@@ -18,6 +18,7 @@ namespace qor::tools::direct2d {
 
 class QOR_TOOLS_API path : public container::comptr<ID2D1PathGeometry> {
 public:
+    // Empty or on a geometry; copies share it.
     using container::comptr<ID2D1PathGeometry>::comptr;
     path() = default;
     path(path const &) = default;
@@ -32,6 +33,7 @@ public:
 // direct2d::image: a shared handle on a bitmap of a render target.
 class QOR_TOOLS_API image : public container::comptr<ID2D1Bitmap> {
 public:
+    // Empty or on a bitmap; copies share it.
     using container::comptr<ID2D1Bitmap>::comptr;
     image() = default;
     image(image const &) = default;

@@ -14,6 +14,7 @@ namespace qor::tools::direct2d {
 template <typename T>
 class target : public container::comptr<T> {
 public:
+    // Empty or on a render target; copies share it.
     using container::comptr<T>::comptr;
     target() = default;
     target(target const &) = default;

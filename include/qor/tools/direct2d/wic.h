@@ -28,7 +28,7 @@ namespace pif {
 
 // Bitmaps are given back by Release; every body also holds the file path.
 struct QOR_TOOLS_API wic : container::pif::com {
-    string mPath;
+    string mPath;  // the file the bitmap came from or goes to
 };
 
 }  // namespace pif
@@ -42,6 +42,8 @@ public:
     class encoder;
     class exif;
 
+    // Empty; loaded from `path` (throws as Load); a bitmap taken over; a new
+    // bitmap of that size; copies share the bitmap.
     wic() = default;
     explicit wic(char16_t const *path);
     // Takes `bitmap` over without adding a reference.
@@ -52,6 +54,8 @@ public:
     wic &operator=(wic const &) = default;
     ~wic() override = default;
 
+    // A new bitmap of that size; the picture of `path` (and its metadata into
+    // `record`, if given); only the metadata. They throw on failure.
     void Create(int width, int height);
     void Create(float width, float height);
     void Load(char16_t const *path, exif *record);

@@ -15,8 +15,10 @@
 
 namespace qor::tools::direct2d {
 
+// Reads pictures and their metadata from files (frame 0).
 class QOR_TOOLS_API wic::decoder {
 public:
+    // A decoder; a copy is a new one.
     decoder() = default;
     decoder(decoder const &) noexcept {}
     decoder &operator=(decoder const &) noexcept { return *this; }
@@ -37,8 +39,10 @@ protected:
     void _TraceMetadata(IWICMetadataQueryReader *reader, string const &prefix);
 };
 
+// Writes a bitmap to a file in the format its extension names.
 class QOR_TOOLS_API wic::encoder {
 public:
+    // An encoder; copies are independent.
     encoder() = default;
     encoder(encoder const &) = default;
     encoder &operator=(encoder const &) = default;

@@ -17,8 +17,10 @@
 
 namespace qor::tools::direct2d {
 
+// The EXIF fields the library reads and writes, with their thumbnail.
 class QOR_TOOLS_API wic::exif {
 public:
+    // Empty fields; copies copy every field.
     exif() = default;
     exif(exif const &other);
     exif &operator=(exif const &) = default;
@@ -29,22 +31,22 @@ public:
     // Throws exception "direct2d exception" when a value cannot be written.
     virtual void Save(IWICMetadataQueryWriter *writer);
 
-    string mMake;
-    string mModel;
-    string mSoftware;
-    container::buffer mMakerNote;
-    string mDateTime;
-    string mDateTimeOriginal;
-    string mDateTimeDigitized;
-    long long mXResolution = 0;
-    long long mYResolution = 0;
-    unsigned short mResolutionUnit = 0;
-    unsigned short mPixelXDimension = 0;
-    unsigned short mPixelYDimension = 0;
-    long long mShutterSpeed = 0;
-    container::buffer mThumbnail;
-    unsigned short mThumbnailWidth = 0;
-    unsigned short mThumbnailHeight = 0;
+    string mMake;                       // camera maker (IFD0 Make)
+    string mModel;                      // camera model (IFD0 Model)
+    string mSoftware;                   // IFD0 Software
+    container::buffer mMakerNote;       // EXIF MakerNote, as bytes
+    string mDateTime;                   // IFD0 DateTime, "YYYY:MM:DD hh:mm:ss"
+    string mDateTimeOriginal;           // EXIF DateTimeOriginal
+    string mDateTimeDigitized;          // EXIF DateTimeDigitized
+    long long mXResolution = 0;         // IFD0 XResolution, the rational as 8 bytes
+    long long mYResolution = 0;         // IFD0 YResolution, likewise
+    unsigned short mResolutionUnit = 0; // IFD0 ResolutionUnit
+    unsigned short mPixelXDimension = 0;  // EXIF PixelXDimension
+    unsigned short mPixelYDimension = 0;  // EXIF PixelYDimension
+    long long mShutterSpeed = 0;        // EXIF ShutterSpeedValue, the rational as 8 bytes
+    container::buffer mThumbnail;       // the thumbnail, encoded in the picture's own format
+    unsigned short mThumbnailWidth = 0;   // its width in pixels
+    unsigned short mThumbnailHeight = 0;  // its height in pixels
 
 protected:
     string _LoadExifVT30(IWICMetadataQueryReader *reader, char16_t const *path);

@@ -16,8 +16,12 @@
 
 namespace qor::tools::direct2d {
 
+// A view of a bitmap's pixels (a graphic::dib) held locked until Release.
 class QOR_TOOLS_API wic::lock : public graphic::dib {
 public:
+    // Locks the whole bitmap, a rectangle of it, or the rectangle at (x, y)
+    // of that size, for the access `flags` asks (WICBitmapLockRead, ...);
+    // copies share the lock.
     lock(wic &image, int flags);
     lock(wic &image, WICRect const &rect, int flags);
     lock(wic &image, int x, int y, int width, int height, int flags);
@@ -28,9 +32,9 @@ public:
     // Gives the platform's lock back and empties the view; safe twice.
     void Release();
 
-    int mFlags;
-    WICRect mRect;
-    container::comptr<IWICBitmapLock> mBitmapLock;
+    int mFlags;                                     // the access asked for
+    WICRect mRect;                                  // the locked rectangle
+    container::comptr<IWICBitmapLock> mBitmapLock;  // the platform's lock
 
 private:
     void _Lock(wic &image);

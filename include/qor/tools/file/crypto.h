@@ -25,11 +25,16 @@ namespace qor::tools::file {
 
 class QOR_TOOLS_API Crypto {
 public:
+    // The key lengths: 128 bits, or the old 40 bits with 11 zero bytes of salt.
     enum class keylength { rc4_128, rc4_40 };
 
+    // Nothing to hold: the calls are static.
     Crypto(Crypto const &) = default;
     Crypto &operator=(Crypto const &) = default;
 
+    // Enciphers `text` (as UTF-16LE) or `data` into `path`, replacing the file
+    // whole or not at all; deciphers `path` into `text` or `data`. False when
+    // the file cannot be written or read.
     static bool Encrypt(char16_t const *password, char16_t const *path, string const &text);
     static bool Encrypt(char16_t const *password, char16_t const *path, container::buffer const &data);
     static bool Decrypt(char16_t const *password, char16_t const *path, string &text);

@@ -17,11 +17,15 @@ namespace qor::tools::file {
 
 class QOR_TOOLS_API CryptoXml : public xml {
 public:
+    // An empty document without a password; copies share the document.
     CryptoXml() = default;
     CryptoXml(CryptoXml const &) = default;
     CryptoXml &operator=(CryptoXml const &) = default;
     ~CryptoXml() override = default;
 
+    // The password of later loads and saves; the document deciphered from
+    // `path` (false for a wrong password or a file that is not one); the
+    // document enciphered into `path`.
     void Password(char16_t const *password) { mPassword = password; }
     bool Load(char16_t const *path) override;
     bool Save(char16_t const *path) override;

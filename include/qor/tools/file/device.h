@@ -18,11 +18,14 @@ namespace qor::tools::file {
 
 class QOR_TOOLS_API device {
 public:
+    // Nothing to hold: copies are alike.
     device() = default;
     device(device const &) = default;
     device &operator=(device const &) = default;
     virtual ~device() = default;
 
+    // Ejects the drive of `letter` by its type; as a USB stick; as optical
+    // media. Nothing is reported.
     static void Eject(char16_t letter);
     void EjectUsbMemory(char16_t letter);
     void EjectCDROM(char16_t letter);

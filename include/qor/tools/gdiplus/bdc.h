@@ -19,6 +19,9 @@ namespace qor::tools::gdiplus {
 
 class QOR_TOOLS_API bdc {
 public:
+    // Begins a buffered paint of `rect` on `context` in `format`, or one
+    // that starts with `picture` drawn in it; the buffer goes to the context
+    // when the bdc ends.
     bdc(HDC context, CRect &rect, _BP_BUFFERFORMAT format);
     bdc(HDC context, CRect &rect, image const &picture);
     // Copies the buffer handles and shares the graphics: both end the paint,
@@ -31,9 +34,9 @@ public:
     void Transfer(image const &picture);
     operator HDC() const { return mDc; }
 
-    HPAINTBUFFER mPaintBuffer = nullptr;
-    HDC mDc = nullptr;
-    target mTarget;
+    HPAINTBUFFER mPaintBuffer = nullptr;  // the platform's paint buffer
+    HDC mDc = nullptr;                    // the buffer's context
+    target mTarget;                       // graphics on the buffer
 };
 
 }  // namespace qor::tools::gdiplus

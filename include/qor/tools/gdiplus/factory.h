@@ -28,6 +28,7 @@ namespace qor::tools::gdiplus {
 
 class QOR_TOOLS_API factory : public algorithm::singleton<factory> {
 public:
+    // Made empty (Initialize starts the painting); a copy is alike.
     factory() = default;
     factory(factory const &) = default;
     factory &operator=(factory const &) = default;
@@ -38,7 +39,7 @@ public:
     // Ends it and deletes the registered factory.
     void Terminate() override;
 
-    std::uintptr_t mToken = 0;
+    std::uintptr_t mToken = 0;  // the platform's token of the start
 };
 
 }  // namespace qor::tools::gdiplus

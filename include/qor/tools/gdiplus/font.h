@@ -19,6 +19,7 @@ namespace qor::tools::gdiplus {
 
 class QOR_TOOLS_API font : public container::sptr<Gdiplus::Font> {
 public:
+    // Empty, or made as by CreateFontW; copies share the font.
     font() = default;
     font(char16_t const *family, float size, int style) { CreateFontW(family, size, style); }
     font(HFONT gdiFont, HDC dc) { CreateFontW(gdiFont, dc); }
@@ -36,8 +37,11 @@ protected:
     float _CalcPoint(int height, HDC dc);
 };
 
+// A shared pen: a width and a color (0xAARRGGBB), solid or dashed.
 class QOR_TOOLS_API pen : public container::sptr<Gdiplus::Pen> {
 public:
+    // Empty, or made as by CreatePen (solid unless a style is given);
+    // copies share the pen.
     pen() = default;
     pen(float width, int color) { CreatePen(width, static_cast<unsigned long>(static_cast<unsigned>(color)), Gdiplus::DashStyleSolid); }
     pen(float width, unsigned color) { CreatePen(width, color, Gdiplus::DashStyleSolid); }
@@ -51,8 +55,10 @@ public:
     void CreatePen(float width, unsigned long color, Gdiplus::DashStyle style);
 };
 
+// A shared solid brush of one color.
 class QOR_TOOLS_API brush : public container::sptr<Gdiplus::Brush> {
 public:
+    // Empty, or of `color` (0xAARRGGBB); copies share the brush.
     brush() = default;
     explicit brush(Gdiplus::Color color) { CreateSolidBrush(color.GetValue()); }
     explicit brush(unsigned long color) { CreateSolidBrush(color); }
@@ -60,6 +66,7 @@ public:
     brush &operator=(brush const &) = default;
     ~brush() override = default;
 
+    // A new solid brush of `color` (0xAARRGGBB).
     void CreateSolidBrush(unsigned long color);
 };
 

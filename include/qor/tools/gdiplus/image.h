@@ -21,7 +21,7 @@ namespace pif {
 
 // Bitmaps are deleted; every body also holds the file path.
 struct QOR_TOOLS_API image : container::pif::object {
-    string mPath;
+    string mPath;  // the file the bitmap came from or goes to
 };
 
 }  // namespace pif
@@ -34,6 +34,8 @@ public:
     class encoder;
     class lock;
 
+    // Empty, loaded from a file or a surface, or a new bitmap; copies share
+    // the bitmap.
     image() = default;
     explicit image(char16_t const *path) { Load(path); }
     explicit image(HBITMAP bitmap) { Load(bitmap); }

@@ -12,8 +12,10 @@
 
 namespace qor::tools::gdiplus {
 
+// Reads a picture file into a bitmap.
 class QOR_TOOLS_API image::decoder {
 public:
+    // A decoder; copies are alike.
     decoder() = default;
     decoder(decoder const &) = default;
     decoder &operator=(decoder const &) = default;
@@ -23,8 +25,10 @@ public:
     Gdiplus::Bitmap *Load(char16_t const *path);
 };
 
+// Writes a bitmap to a file in the format its extension names.
 class QOR_TOOLS_API image::encoder {
 public:
+    // An encoder; copies are alike.
     encoder() = default;
     encoder(encoder const &) = default;
     encoder &operator=(encoder const &) = default;

@@ -15,8 +15,11 @@
 
 namespace qor::tools::gdiplus {
 
+// A view of a bitmap's pixels (a graphic::dib) held locked until Release.
 class QOR_TOOLS_API image::lock : public graphic::dib {
 public:
+    // Locks the whole bitmap, a rectangle, or the rectangle between those
+    // edges, for the access `flags` asks (Gdiplus::ImageLockModeRead, ...).
     lock(image &picture, int flags);
     lock(image &picture, Gdiplus::Rect const &rect, int flags);
     lock(image &picture, int left, int top, int right, int bottom, int flags);
@@ -28,10 +31,10 @@ public:
     // Gives the lock back (writing the pixels of a write lock) and empties the view.
     void Release();
 
-    int mFlags;
-    Gdiplus::Rect mRect;
-    Gdiplus::Bitmap *mBitmap;
-    Gdiplus::BitmapData mBitmapData;
+    int mFlags;                       // the access asked for
+    Gdiplus::Rect mRect;              // the locked rectangle
+    Gdiplus::Bitmap *mBitmap;         // the locked bitmap
+    Gdiplus::BitmapData mBitmapData;  // the platform's lock record
 
 private:
     void _Lock();

@@ -27,6 +27,7 @@ public:
     class selector;
     class dc;
 
+    // Empty, or made as by the Create of the same arguments.
     target() = default;
     explicit target(HWND window) { Create(window); }
     explicit target(HDC context) { Create(context); }
@@ -42,6 +43,7 @@ public:
     }
     ~target() override = default;
 
+    // Graphics on a window, a device context or an image.
     void Create(HWND window);
     void Create(HDC context);
     void Create(image &picture);
@@ -50,12 +52,15 @@ public:
     void Create(int width, int height, int format);
     image &Image() { return mSurface; }
 
+    // The outline of a rectangle with corners rounded by radii rx and ry.
     void DrawRoundRect(Gdiplus::Pen const *pen, Gdiplus::RectF const &rect, float rx, float ry);
     void DrawRoundRect(Gdiplus::Pen const *pen, int x, int y, int width, int height, int rx, int ry);
 
-    image mSurface;
+    image mSurface;  // the image that Create(rect) or Create(width, height) made
 };
 
+// Selects a font or bitmap into a device context for its lifetime and puts
+// the earlier one back at its end.
 class QOR_TOOLS_API target::selector {
 public:
     // A null object selects nothing and restores nothing. An untyped object
@@ -69,22 +74,25 @@ public:
     selector &operator=(selector const &) = default;
     ~selector();
 
-    HDC mDc;
-    HGDIOBJ mPrevious;
+    HDC mDc;            // the context
+    HGDIOBJ mPrevious;  // what was selected before, put back at the end
 };
 
+// The device context of a target's graphics, held for its lifetime.
 class QOR_TOOLS_API target::dc {
 public:
+    // Takes the context of `owner`'s graphics and gives it back at the end.
     explicit dc(target &owner);
     dc(dc const &) = default;
     dc &operator=(dc const &) = default;
     ~dc();
 
+    // The context, as a handle or as a number.
     operator HDC() const { return mHandle; }
     operator long long() const { return reinterpret_cast<long long>(mHandle); }
 
-    target *mOwner;
-    HDC mHandle;
+    target *mOwner;  // the target whose context it is
+    HDC mHandle;     // the context
 };
 
 }  // namespace qor::tools::gdiplus

@@ -20,14 +20,20 @@ namespace qor::tools::gdiplus {
 
 class QOR_TOOLS_API theme {
 public:
+    // Opens the theme data of `classList` (such as u"BUTTON") for drawing on
+    // `context`, with the part and state later calls use by default; copies
+    // share the handle (closed once).
     theme(HWND window, HDC context, char16_t const *classList);
     theme(HWND window, HDC context, char16_t const *classList, int part, int state);
     theme(theme const &) = default;
     theme &operator=(theme const &) = default;
     virtual ~theme();
 
+    // The theme handle; null when the theme could not be opened.
     operator void *() const { return mHandle; }
 
+    // Draws the part's background, or its text (a negative length takes the
+    // whole text), in the default or the given part and state.
     void DrawBackground(tagRECT const &rect, tagRECT const *clip);
     void DrawBackground(int part, int state, tagRECT const &rect, tagRECT const *clip);
     void DrawTextW(string const &text, unsigned long flags, tagRECT const &rect);
@@ -42,10 +48,10 @@ public:
     // The caller owns the region; null on any failure.
     HRGN BackgroundRegion(int part, int state, tagRECT const &rect);
 
-    HTHEME mHandle;
-    HDC mDc;
-    int mPart;
-    int mState;
+    HTHEME mHandle;  // the theme data
+    HDC mDc;         // the context drawn on
+    int mPart;       // the default part
+    int mState;      // the default state
 };
 
 }  // namespace qor::tools::gdiplus

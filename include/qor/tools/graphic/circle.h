@@ -49,6 +49,7 @@ public:
     double mRadius = 0;         // the radius
 };
 
+// An arc of a circle: where it starts and ends and the sweep between.
 class QOR_TOOLS_API arc : public circle {
 public:
     // An invalid arc, or one made as the Set of the same arguments.

@@ -19,10 +19,15 @@ namespace qor::tools::graphic {
 
 class QOR_TOOLS_API histogram {
 public:
+    // Entries of a channel's table, one per value 0 to 254. The tables follow
+    // each other in one block, so a value of 255 lands in the next table's
+    // first entry (blue's in the maximum).
     static constexpr int kEntries = 255;
 
+    // Empty tables.
     histogram() noexcept;
 
+    // Counts the pixels of `image` into the four tables (zeroed first).
     void Image(direct2d::wic &image);
     // The table of a channel: 0 luminance, 1 red, 2 green, 3 blue (not checked).
     unsigned int *Data(int channel) noexcept { return mData + channel * kEntries; }

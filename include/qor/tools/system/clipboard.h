@@ -29,6 +29,7 @@ namespace qor::tools::system {
 
 class QOR_TOOLS_API clipboard {
 public:
+    // Nothing to hold: copies are alike.
     clipboard() = default;
     clipboard(clipboard const &) = default;
     clipboard &operator=(clipboard const &) = default;

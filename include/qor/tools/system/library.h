@@ -14,6 +14,8 @@ namespace qor::tools::system {
 
 class QOR_TOOLS_API library {
 public:
+    // Loads the library at `path` (a null module on failure); copies hold the
+    // same handle.
     explicit library(char16_t const *path) : mModule(LoadLibraryW(path)) {}
     library(library const &) = default;
     library &operator=(library const &) = default;
@@ -24,7 +26,7 @@ public:
     // Null when the load failed.
     HINSTANCE Module() const { return mModule; }
 
-    HINSTANCE mModule;
+    HINSTANCE mModule;  // the loaded module, or null
 };
 
 }  // namespace qor::tools::system

@@ -59,9 +59,9 @@ public:
             }
         }
 
-        container::sptr<T> mObject;
-        void (*mRoutine)(worker *) = nullptr;
-        void (T::*mMethod)(worker *) = nullptr;
+        container::sptr<T> mObject;                // the object whose method runs
+        void (*mRoutine)(worker *) = nullptr;      // the function, or null
+        void (T::*mMethod)(worker *) = nullptr;    // the method, or null
     };
 
     virtual ~worker();
