@@ -138,8 +138,8 @@ rset &rset::operator=(rset const &other) {
 }
 
 // Null when the rows would not fit in one block (more than 2 GB) or there is
-// no memory for them. The records are made in place, as views on bodies from
-// one slab (see view_slab.h): what is left to allocate per row is its fields.
+// no memory for them. The records are made in place, as views on bodies and
+// fields from one slab (see view_slab.h): nothing is allocated per row.
 unsigned char *rset::Setup(record &source, int rows) {
     Clear();
     int size = source.RecordSize();
