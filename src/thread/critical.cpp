@@ -3,8 +3,54 @@
 namespace qor::tools::thread {
 
 namespace {
-constexpr int kSpinRounds = 100;
+
+constexpr unsigned kHeld = 1;
+constexpr unsigned kSleeper = 2;
+// About ten microseconds of pauses: far longer than anybody holds the lock,
+// unless the holder has lost its processor, and then sleeping is right.
+constexpr int kSpinRounds = 400;
+
+void Relax() noexcept {
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#endif
 }
+
+using word_t = std::atomic<unsigned>;
+
+bool TryTake(word_t &section) noexcept {
+    unsigned word = section.load(std::memory_order_relaxed);
+    while (!(word & kHeld)) {
+        if (section.compare_exchange_weak(word, word | kHeld, std::memory_order_acquire, std::memory_order_relaxed)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Spins while the holder is inside (reading only, which leaves the holder the
+// line), then counts itself among the sleepers and sleeps until the word
+// changes. A sleeper that takes the lock counts itself out in the same step.
+void TakeContended(word_t &section) noexcept {
+    for (int round = 0; round < kSpinRounds; ++round) {
+        Relax();
+        if (!(section.load(std::memory_order_relaxed) & kHeld) && TryTake(section)) return;
+    }
+    unsigned word = section.fetch_add(kSleeper, std::memory_order_relaxed) + kSleeper;
+    for (;;) {
+        if (!(word & kHeld)) {
+            if (section.compare_exchange_weak(word, (word | kHeld) - kSleeper, std::memory_order_acquire,
+                                              std::memory_order_relaxed)) {
+                return;
+            }
+            continue;
+        }
+        section.wait(word, std::memory_order_relaxed);
+        word = section.load(std::memory_order_relaxed);
+    }
+}
+
+}  // namespace
 
 void critical::Lock() {
     std::thread::id self = std::this_thread::get_id();
@@ -13,14 +59,7 @@ void critical::Lock() {
         ++mRecursion;
         return;
     }
-    // Spin a little while the owner is inside (reading only, which keeps the
-    // lock's cache line shared), then sleep.
-    bool locked = mSection.try_lock();
-    for (int round = 0; !locked && round < kSpinRounds; ++round) {
-        __builtin_ia32_pause();
-        if (mOwner.load(std::memory_order_relaxed) == std::thread::id()) locked = mSection.try_lock();
-    }
-    if (!locked) mSection.lock();
+    if (!TryTake(mSection)) TakeContended(mSection);
     mOwner.store(self, std::memory_order_relaxed);
     mRecursion = 1;
 }
@@ -28,7 +67,8 @@ void critical::Lock() {
 void critical::Unlock() {
     if (--mRecursion > 0) return;
     mOwner.store(std::thread::id(), std::memory_order_relaxed);
-    mSection.unlock();
+    // Anything left beside the held bit is a sleeper to wake.
+    if (mSection.fetch_sub(kHeld, std::memory_order_release) != kHeld) mSection.notify_one();
 }
 
 }  // namespace qor::tools::thread

@@ -1,8 +1,9 @@
 // thread::critical: the library's own lock, a critical section that its owner
-// may enter again. Like the platform's critical sections it spins a little
-// before it sleeps, since it is held for a few instructions at a time. A copy
-// is a new, independent lock (copies exist only so that classes holding a
-// critical stay copyable).
+// may enter again. It is held for a few instructions at a time, so a thread
+// that finds it taken spins a little before it sleeps; its state is one word
+// (held, and how many threads sleep on it), which a release only has to wake
+// when somebody sleeps. A copy is a new, independent lock (copies exist only
+// so that classes holding a critical stay copyable).
 //
 //   thread::critical::guard lock(mLock);   // held until the end of the scope
 #pragma once
@@ -10,7 +11,6 @@
 #include "qor/tools/export.h"
 
 #include <atomic>
-#include <mutex>
 #include <thread>
 
 namespace qor::tools::thread {
@@ -42,7 +42,8 @@ public:
     };
 
 private:
-    std::mutex mSection;
+    // Bit 0: held; the bits above: the number of threads asleep on the word.
+    std::atomic<unsigned> mSection{0};
     std::atomic<std::thread::id> mOwner{};
     int mRecursion = 0;
 };
