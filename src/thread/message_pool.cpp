@@ -9,8 +9,9 @@
 // depot per size, where a thread that makes more than it frees (a sender)
 // picks them up, so that blocks cross between threads a batch at a time.
 //
-// Blocks of up to 256 bytes are pooled, in sizes of 16; larger messages go to
-// the general heap. A thread's list goes to the depot when the thread ends,
+// Blocks of up to 256 bytes are pooled, in sizes of 16; larger messages, and
+// those whose type asks for more than the heap's own alignment, go to the
+// general heap. A thread's list goes to the depot when the thread ends,
 // and a depot keeps at most 16 batches: what a burst made beyond that goes
 // back to the general heap. Under AddressSanitizer a pooled block is
 // poisoned while it is free, but for its first 16 bytes, which link it (and
@@ -178,6 +179,12 @@ void message::operator delete(void *memory, std::size_t bytes) noexcept {
     local->mFree[size] = b;
     // Two batches are enough for one thread: one goes to the depot.
     if (++local->mCount[size] == 2 * kBatch) Deposit(size, TakeBatch(*local, size));
+}
+
+void *message::operator new(std::size_t bytes, std::align_val_t alignment) { return ::operator new(bytes, alignment); }
+
+void message::operator delete(void *memory, std::size_t, std::align_val_t alignment) noexcept {
+    ::operator delete(memory, alignment);
 }
 
 }  // namespace qor::tools::thread

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstring>
 #include <new>
 #include <set>
@@ -113,3 +114,17 @@ TEST(MessagePoolDeathTest, AMessageUsedAfterItsDeleteIsReported) {
         "use-after-poison");
 }
 #endif
+
+TEST(MessagePool, OverAlignedMessagesKeepTheirAlignment) {
+    struct alignas(64) wide : message {
+        explicit wide(unsigned long id) : message(id) {}
+        char mLine[64] = {};
+    };
+    std::vector<message *> made;
+    for (int i = 0; i < 16; ++i) {
+        auto *m = new wide(static_cast<unsigned long>(i));
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(m) % 64, 0u);
+        made.push_back(m);
+    }
+    for (message *m : made) delete m;  // through the base: the aligned delete
+}

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <stdexcept>
 #include <thread>
+#include <vector>
 
 #include "platform/kernel_internal.h"
 #include "qor/tools/thread/critical.h"
@@ -19,6 +20,7 @@ using namespace qor::tools::thread;
 namespace {
 struct counted : message {
     explicit counted(int *alive, unsigned long id = 0) : message(id), mAlive(alive) { ++*mAlive; }
+    counted(counted const &other) : message(other), mAlive(other.mAlive) { ++*mAlive; }
     ~counted() override { --*mAlive; }
     int *mAlive;
 };
@@ -129,6 +131,94 @@ TEST(ThreadQueue, OwnershipAndTheEvent) {
         q.Push(new counted(&alive, 3));
     }
     EXPECT_EQ(alive, 0);  // the queue deletes what it still holds
+}
+
+TEST(ThreadQueue, MessagesMoveBetweenLinesWhole) {
+    // A message taken from one line and pushed into another is linked anew,
+    // and a copy of a waiting message is not linked at all.
+    int alive = 0;
+    queue<message> first, second;
+    for (unsigned long id = 1; id <= 5; ++id) first.Push(new counted(&alive, id));
+    EXPECT_EQ(first.Count(), 5);
+    message *moved = first.Pop();
+    second.Push(moved);
+    counted copy(*static_cast<counted *>(first.Message(false).Get()));
+    second.Push(new counted(copy));
+    EXPECT_EQ(second.Count(), 2);
+    EXPECT_EQ(second.Pop(), moved);
+    delete moved;
+    EXPECT_EQ(second.Message(true)->mId, 2u);
+    EXPECT_TRUE(second.IsEmpty());
+    EXPECT_FALSE(second.mEvent.IsEnable(0));
+    for (unsigned long id = 2; id <= 5; ++id) EXPECT_EQ(first.Message(true)->mId, id);
+    EXPECT_EQ(alive, 1);  // the copy on the stack
+}
+
+TEST(ThreadQueue, ClearGivesBackAndResets) {
+    int alive = 0;
+    queue<message> q;
+    for (int i = 0; i < 3; ++i) q.Push(new counted(&alive));
+    q.Clear();
+    EXPECT_EQ(alive, 0);
+    EXPECT_TRUE(q.IsEmpty());
+    EXPECT_FALSE(q.mEvent.IsEnable(0));
+    q.Push(new counted(&alive, 7));
+    EXPECT_TRUE(q.mEvent.IsEnable(0));
+    EXPECT_EQ(q.Message(true)->mId, 7u);
+}
+
+TEST(ThreadQueue, ManySendersOneReceiverInOrder) {
+    // Each sender's messages (numbered sender * kEach + i) arrive once each and
+    // in the order it sent them; the receiver waits on the event whenever the
+    // line is empty.
+    constexpr unsigned long kSenders = 4, kEach = 20000;
+    queue<message> q;
+    std::vector<std::thread> senders;
+    for (unsigned long s = 0; s < kSenders; ++s) {
+        senders.emplace_back([&q, s] {
+            for (unsigned long i = 0; i < kEach; ++i) q.Push(new message(s * kEach + i));
+        });
+    }
+    std::vector<unsigned long> next(kSenders, 0);
+    unsigned long received = 0, outOfOrder = 0;
+    while (received < kSenders * kEach) {
+        if (WaitForSingleObject(q.mEvent, 10000) != WAIT_OBJECT_0) break;
+        auto m = q.Message(true);
+        if (m.IsEmpty()) continue;
+        ++received;
+        unsigned long &expected = next[m->mId / kEach];
+        if (m->mId % kEach != expected) ++outOfOrder;
+        expected = m->mId % kEach + 1;
+    }
+    for (auto &t : senders) t.join();
+    EXPECT_EQ(received, kSenders * kEach);
+    EXPECT_EQ(outOfOrder, 0u);
+    EXPECT_TRUE(q.IsEmpty());
+    EXPECT_FALSE(q.mEvent.IsEnable(0));
+}
+
+TEST(ThreadCritical, SleepersAreWokenAndCountsStayExact) {
+    // A holder that sleeps inside makes the others give up spinning and sleep
+    // on the lock; every one of them must be woken, and the count be exact.
+    critical lock;
+    long counter = 0;
+    constexpr int kThreads = 6, kRounds = 2000;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < kRounds; ++i) {
+                critical::guard held(lock);
+                critical::guard again(lock);
+                ++counter;
+                if (t == 0 && i % 100 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        });
+    }
+    for (auto &t : threads) t.join();
+    EXPECT_EQ(counter, long(kThreads) * kRounds);
+    critical copy(lock);  // a copy is a lock of its own
+    critical::guard one(lock);
+    std::thread([&] { critical::guard two(copy); }).join();
 }
 
 TEST(ThreadTimer, OneShotPeriodicPulseAndKill) {
