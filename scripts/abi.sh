@@ -1,23 +1,27 @@
 #!/usr/bin/env bash
 # The library's exported interface against the released one kept in
-# abi/libQorTools.so.1.abi.xz (an abidw description of the public types).
-#   scripts/abi.sh check DIR    compares the libQorTools.so.1 packaged in DIR's
-#                               libqortools1 .deb; an incompatible change fails
+# abi/libQorTools.so.N.abi.xz (an abidw description of the public types), N
+# being the SONAME's number, which the runtime package's name in
+# debian/control carries (libqortoolsN).
+#   scripts/abi.sh check DIR    compares the libQorTools.so.N packaged in DIR's
+#                               libqortoolsN .deb; an incompatible change fails
 #   scripts/abi.sh update DIR   writes the description anew (at a release,
 #                               with the SONAME bumped if the change was incompatible)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 mode=${1:?usage: scripts/abi.sh check|update DIR}
 dir=${2:?usage: scripts/abi.sh check|update DIR}
+runtime=$(sed -n 's/^Package: \(libqortools[0-9][0-9]*\)$/\1/p' debian/control)
+soname=libQorTools.so.${runtime#libqortools}
 unpacked="$dir/abi-unpacked"
 rm -rf "$unpacked"
-dpkg-deb -x "$dir"/libqortools1_*.deb "$unpacked"
-dbg=$(ls "$dir"/libqortools1-dbgsym_*.*deb 2>/dev/null | head -n 1 || true)
+dpkg-deb -x "$dir/${runtime}"_*.deb "$unpacked"
+dbg=$(ls "$dir/${runtime}"-dbgsym_*.*deb 2>/dev/null | head -n 1 || true)
 [ -n "$dbg" ] && dpkg-deb -x "$dbg" "$unpacked"
-library=$(ls "$unpacked"/usr/lib/*/libQorTools.so.1.* | head -n 1)
+library=$(ls "$unpacked"/usr/lib/*/"$soname".* | head -n 1)
 debug=("--debug-info-dir" "$unpacked/usr/lib/debug")
 headers=("--headers-dir" "include")
-stored=abi/libQorTools.so.1.abi.xz
+stored=abi/$soname.abi.xz
 if [ "$mode" = update ]; then
   mkdir -p abi
   abidw --no-corpus-path --no-show-locs "${debug[@]}" "${headers[@]}" --out-file "$dir/released.abi" "$library"

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the Debian packages (libqortools1, libqortools-dev, qortools-tools,
+# Builds the Debian packages (libqortools2, libqortools-dev, qortools-tools,
 # libqortools-doc) from the committed tree, checks them with lintian (an
 # error fails), and, with --install (as root), installs them with dpkg and
 # builds and runs the outside application of tests/install/consumer against
@@ -38,7 +38,8 @@ if [ "$abi" -eq 1 ]; then
 fi
 
 if [ "$install" -eq 1 ]; then
-  dpkg -i "$out"/libqortools1_*.deb "$out"/libqortools-dev_*.deb "$out"/qortools-tools_*.deb "$out"/libqortools-doc_*.deb
+  runtime=$(sed -n 's/^Package: \(libqortools[0-9][0-9]*\)$/\1/p' debian/control)
+  dpkg -i "$out/${runtime}"_*.deb "$out"/libqortools-dev_*.deb "$out"/qortools-tools_*.deb "$out"/libqortools-doc_*.deb
   rm -rf "$out/consumer"
   cmake -S tests/install/consumer -B "$out/consumer" -G Ninja >/dev/null
   cmake --build "$out/consumer" >/dev/null
